@@ -33,12 +33,17 @@ void TDataSource::setDataSet(TDataSet *dataSet)
 {
     if (dataSet == m_dataSet)
         return;
-    if (m_dataSet)
+    // The links see the old dataset go (inactive) before the new one comes.
+    if (m_dataSet) {
         m_dataSet->RemoveDataSource(this);
+        m_dataSet = nullptr;
+        UpdateState();
+    }
     m_dataSet = dataSet;
-    if (dataSet)
+    if (dataSet) {
         dataSet->AddDataSource(this);
-    UpdateState();
+        UpdateState();
+    }
     emit dataSetChanged();
 }
 
