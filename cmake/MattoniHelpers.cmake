@@ -88,3 +88,30 @@ function(mattoni_add_bench name)
     target_link_libraries(${name} PRIVATE ${B_LIBS} Qt6::Core Qt6::Gui Qt6::Widgets Qt6::Sql Qt6::Test)
     target_precompile_headers(${name} REUSE_FROM mattoni_test_pch)
 endfunction()
+
+# mattoni_version_info(target FILE_VERSION a.b.c.d [PRODUCT_VERSION a.b.c.d]
+#                      [TABLE 041004E4] [STRINGS Name=Value ...])
+# Embeds a version resource in the target's executable; the program reads it back with
+# TVersionResource::LoadFromRunningProgram().
+function(mattoni_version_info target)
+    cmake_parse_arguments(V "" "FILE_VERSION;PRODUCT_VERSION;TABLE" "STRINGS" ${ARGN})
+    if(NOT V_PRODUCT_VERSION)
+        set(V_PRODUCT_VERSION ${V_FILE_VERSION})
+    endif()
+    if(NOT V_TABLE)
+        set(V_TABLE 041004E4)
+    endif()
+    set(desc "FileVersion=${V_FILE_VERSION}\nProductVersion=${V_PRODUCT_VERSION}\nTable=${V_TABLE}\n")
+    foreach(s IN LISTS V_STRINGS)
+        string(APPEND desc "String=${s}\n")
+    endforeach()
+    set(dir ${CMAKE_CURRENT_BINARY_DIR}/${target}_version)
+    file(WRITE ${dir}/description.txt.in "${desc}")
+    configure_file(${dir}/description.txt.in ${dir}/description.txt COPYONLY)
+    add_custom_command(OUTPUT ${dir}/version_resource.cpp
+        COMMAND ${CMAKE_COMMAND} -E env ASAN_OPTIONS=detect_leaks=0 $<TARGET_FILE:mattoni_verinfo> ${dir}/description.txt ${dir}/version_resource.cpp
+        DEPENDS mattoni_verinfo ${dir}/description.txt
+        COMMENT "Version resource of ${target}")
+    target_sources(${target} PRIVATE ${dir}/version_resource.cpp)
+    set_source_files_properties(${dir}/version_resource.cpp PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
+endfunction()
