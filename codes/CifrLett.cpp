@@ -51,51 +51,50 @@ void threeDigits(QStringView s, QString &out)
     out += LETTER[units];
 }
 
-void sixDigits(QStringView s, QString &out)
+// The words of a group of thousands, millions or billions: for one, and after a count of two or
+// more.
+struct Scale
 {
-    const int thousands = leadingGroup(s);
-    if (thousands == 1) {
-        out += QLatin1StringView("mille");
-    } else if (thousands >= 2) {
-        threeDigits(s, out);
-        out += QLatin1StringView("mila");
-    }
-    threeDigits(s.mid(3, 3), out);
-}
+    QLatin1StringView one;
+    QLatin1StringView many;
+    bool silentWhenNone;
+};
 
-void nineDigits(QStringView s, QString &out)
-{
-    const int millions = leadingGroup(s);
-    if (millions == 1) {
-        out += QLatin1StringView("unmilione");
-    } else if (millions >= 2) {
-        threeDigits(s, out);
-        out += QLatin1StringView("milioni");
-    }
-    sixDigits(s.mid(3, 6), out);
-}
+// Indexed by the number of three-digit groups below the leading one.
+constexpr Scale Scales[] = {
+    {},
+    {QLatin1StringView("mille"), QLatin1StringView("mila"), true},
+    {QLatin1StringView("unmilione"), QLatin1StringView("milioni"), true},
+    // No billions still writes the word: "000000000001" is "miliardiuno". Kept on purpose.
+    {QLatin1StringView("unmiliardo"), QLatin1StringView("miliardi"), false},
+};
 
-void twelveDigits(QStringView s, QString &out)
+// A text of 3 * (lower + 1) digits: the leading group with its scale word, then the lower groups.
+void digitGroups(QStringView s, int lower, QString &out)
 {
-    if (leadingGroup(s) == 1) {
-        out += QLatin1StringView("unmiliardo");
-    } else {
-        // Unlike the groups below, no billions still writes the word: "000000000001" is
-        // "miliardiuno". Kept on purpose.
+    if (lower == 0) {
         threeDigits(s, out);
-        out += QLatin1StringView("miliardi");
+        return;
     }
-    nineDigits(s.mid(3, 9), out);
+    const Scale &scale = Scales[lower];
+    const int count = leadingGroup(s);
+    if (count == 1) {
+        out += scale.one;
+    } else if (count >= 2 || !scale.silentWhenNone) {
+        threeDigits(s, out);
+        out += scale.many;
+    }
+    digitGroups(s.mid(3, 3 * lower), lower - 1, out);
 }
 
 // Room for the longest number written, so that the words are assembled in one allocation.
 constexpr qsizetype WordsCapacity = 160;
 
-QString words(void (*group)(QStringView, QString &), QStringView s)
+QString words(QStringView s, int lower)
 {
     QString out;
     out.reserve(WordsCapacity);
-    group(s, out);
+    digitGroups(s, lower, out);
     return out;
 }
 
@@ -114,22 +113,22 @@ QString pad_zeri(const QString &Testo, int Larghezza)
 
 QString tre_cifre_to_let(const QString &S)
 {
-    return words(threeDigits, S);
+    return words(S, 0);
 }
 
 QString sei_cifre_to_let(const QString &S)
 {
-    return words(sixDigits, S);
+    return words(S, 1);
 }
 
 QString nove_cifre_to_let(const QString &S)
 {
-    return words(nineDigits, S);
+    return words(S, 2);
 }
 
 QString dodici_cifre_to_let(const QString &S)
 {
-    return words(twelveDigits, S);
+    return words(S, 3);
 }
 
 QString ci_to_let(const QString &Numero)
@@ -160,18 +159,9 @@ QString ci_to_let(const QString &Numero)
     // The group routine is chosen by the padded length: a text already longer than its width
     // (leading zeros, a sign) matches none and gives "".
     const QString padded = pad_zeri(Numero, width);
-    switch (padded.size()) {
-    case 3:
-        return words(threeDigits, padded);
-    case 6:
-        return words(sixDigits, padded);
-    case 9:
-        return words(nineDigits, padded);
-    case 12:
-        return words(twelveDigits, padded);
-    default:
+    if (padded.size() % 3 != 0)
         return QString();
-    }
+    return words(padded, int(padded.size() / 3) - 1);
 }
 
 QString ci_to_ord(const QString &Numero)
