@@ -135,7 +135,6 @@ private slots:
         QTest::newRow("nine characters") << QChar(u'M') << "10/10/198" << "10" << QChar(u'R') << "8";
         // The year is copied as text, never converted.
         QTest::newRow("year as text") << QChar(u'M') << "10/11/19XY" << "10" << QChar(u'S') << "XY";
-        QTest::newRow("December") << QChar(u'M') << "10/12/1985" << "10" << QChar(u'T') << "85";
         // A day beyond 99 keeps the first two characters of its digits.
         QTest::newRow("day cut to two characters") << QChar(u'F') << "99/01/1985" << "13" << QChar(u'A') << "85";
     }
@@ -159,18 +158,20 @@ private slots:
     {
         QTest::addColumn<QString>("data");
         QTest::addColumn<QString>("message");
-        QTest::newRow("month 13") << "15/13/1985" << "'15/13/1985' is not a valid date";
-        QTest::newRow("month 0") << "15/00/1985" << "'15/00/1985' is not a valid date";
-        QTest::newRow("negative month") << "15/-1/1985" << "'15/-1/1985' is not a valid date";
-        QTest::newRow("month not a number") << "15/AP/1985" << "'AP' is not a valid integer value";
-        QTest::newRow("no month") << "15" << "'' is not a valid integer value";
-        QTest::newRow("day not a number") << "xx/04/1985" << "'xx' is not a valid integer value";
+        QTest::addColumn<QString>("monthAndYear");
+        QTest::newRow("month 13") << "15/13/1990" << "'15/13/1990' is not a valid date" << "D85";
+        QTest::newRow("month 0") << "15/00/1990" << "'15/00/1990' is not a valid date" << "D85";
+        QTest::newRow("negative month") << "15/-1/1990" << "'15/-1/1990' is not a valid date" << "D85";
+        QTest::newRow("month not a number") << "15/AP/1990" << "'AP' is not a valid integer value" << "D85";
+        QTest::newRow("no month") << "15" << "'' is not a valid integer value" << "D85";
+        QTest::newRow("day not a number") << "xx/12/1990" << "'xx' is not a valid integer value" << "T90";
     }
     // The parts computed before the error keep their new values, the rest their old ones.
     void badDates()
     {
         QFETCH(QString, data);
         QFETCH(QString, message);
+        QFETCH(QString, monthAndYear);
         TCodiceFiscale cf;
         fill(cf, QStringLiteral("Rossi"), QStringLiteral("Mario"), u'M', QStringLiteral("15/04/1985"),
              QStringLiteral("H501"));
@@ -179,21 +180,9 @@ private slots:
         cf.setDataNascita(data);
         QCOMPARE(conversionError([&] { cf.Get(); }), message);
         QCOMPARE(cf.CodCognome(), QStringLiteral("VRD"));
+        QCOMPARE(cf.CarMese() + cf.CodAnno(), monthAndYear);
         QCOMPARE(cf.CodGiorno(), QStringLiteral("15"));
         QCOMPARE(cf.CarControllo(), QChar(u'T'));
-    }
-
-    void badDayKeepsMonthAndYear()
-    {
-        TCodiceFiscale cf;
-        fill(cf, QStringLiteral("Rossi"), QStringLiteral("Mario"), u'M', QStringLiteral("15/04/1985"),
-             QStringLiteral("H501"));
-        cf.Get();
-        cf.setDataNascita(QStringLiteral("xx/12/1990"));
-        QVERIFY_THROWS_EXCEPTION(EConvertError, cf.Get());
-        QCOMPARE(cf.CarMese(), QChar(u'T'));
-        QCOMPARE(cf.CodAnno(), QStringLiteral("90"));
-        QCOMPARE(cf.CodGiorno(), QStringLiteral("15"));
     }
 
     void getUpperCasesInPlace()
@@ -341,9 +330,7 @@ private slots:
         QTest::newRow("letter") << "0123456789A" << false;
         QTest::newRow("check digit 3") << "12345678903" << true;
         QTest::newRow("zeros") << "00000000000" << true;
-        QTest::newRow("italian too long") << "012345678970" << false;
         QTest::newRow("AT ten characters") << "ATU123456789" << true;
-        QTest::newRow("AT nine") << "ATU12345678" << false;
         QTest::newRow("AT no U") << "AT1123456789" << false;
         QTest::newRow("BE") << "BE0123456789" << true;
         QTest::newRow("BE not 0") << "BE1123456789" << false;
@@ -354,9 +341,6 @@ private slots:
         QTest::newRow("GB HA") << "GBHA999" << true;
         QTest::newRow("GB other pair") << "GBXX123" << false;
         QTest::newRow("GB pair and letter") << "GBGD12A" << false;
-        QTest::newRow("GB nine") << "GB123456789" << true;
-        QTest::newRow("GB twelve") << "GB123456789012" << true;
-        QTest::newRow("GB ten") << "GB1234567890" << false;
         QTest::newRow("IE") << "IE1A23456B" << true;
         QTest::newRow("IE star") << "IE1*23456B" << true;
         QTest::newRow("IE plus") << "IE1+23456B" << true;
@@ -368,13 +352,8 @@ private slots:
         QTest::newRow("ES letter inside") << "ESX12A4567Z" << false;
         QTest::newRow("NL") << "NL123456789B01" << true;
         QTest::newRow("NL no B") << "NL123456789C01" << false;
-        QTest::newRow("RO alone") << "RO" << true;
-        QTest::newRow("RO one") << "RO1" << true;
-        QTest::newRow("RO fifteen") << "RO123456789012345" << true;
         QTest::newRow("RO letter") << "RO12A" << false;
         QTest::newRow("unknown prefix") << "XY12345678" << false;
-        QTest::newRow("DK alone") << "DK" << false;
-        QTest::newRow("AT alone") << "AT" << false;
         QTest::newRow("one character") << "A" << false;
         QTest::newRow("blank") << "   " << false;
         QTest::newRow("empty") << "" << false;
@@ -386,8 +365,8 @@ private slots:
         QCOMPARE(checkUnterminated(value), expected);
     }
 
-    // One valid rest per country, cut to every shorter length and grown by a digit: the result
-    // follows the lengths each country allows, and no rule reads past the end of its rest.
+    // One valid rest per country, cut to every shorter length ("DK", "AT" bare) and grown by a digit:
+    // the result follows the lengths each country allows, and no rule reads past the end.
     void everyPrefixEveryLength_data()
     {
         QTest::addColumn<QString>("prefix");
@@ -419,7 +398,7 @@ private slots:
         row("NL", "123456789B01", {12});
         row("PL", "1234567890", {10});
         row("PT", "123456789", {9});
-        row("RO", "1234567890123", {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14});
+        row("RO", "123456789012345", {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16});
         row("SK", "1234567890", {10});
         row("SI", "12345678", {8});
         row("SE", "123456789012", {12});
