@@ -1,11 +1,14 @@
 // An LED indicator in seventeen shapes, painted from tinted shading masks.
 #include "AMAdvLed.h"
 
+#include "Fields.h"
 #include "Graphics.h"
 
 #include <QEvent>
 #include <QMouseEvent>
 #include <QPainter>
+
+#include <algorithm>
 
 namespace mattoni {
 
@@ -247,6 +250,185 @@ void TAMAdvLed::changeEvent(QEvent *event)
     if (event->type() == QEvent::EnabledChange)
         update();
     QWidget::changeEvent(event);
+}
+
+// --- TDBAMAdvLed ---
+
+namespace {
+constexpr int CaptionSpacing = 4;
+}
+
+TDBAMAdvLed::TDBAMAdvLed(QWidget *parent)
+    : TAMAdvLed(parent)
+    , m_link(std::make_unique<TFieldDataLink>())
+{
+    m_link->setControl(this);
+    m_link->OnDataChange = [this](TFieldDataLink *) { DataChange(); };
+    m_link->OnActiveChange = [this](TFieldDataLink *) { DataChange(); };
+    m_link->OnUpdateData = [this](TFieldDataLink *) { UpdateData(); };
+}
+
+TDBAMAdvLed::~TDBAMAdvLed()
+{
+    // The link's events call back into this control: silence them before the link goes.
+    m_link->OnDataChange = nullptr;
+    m_link->OnActiveChange = nullptr;
+    m_link->OnUpdateData = nullptr;
+}
+
+TDataSource *TDBAMAdvLed::DataSource() const
+{
+    return m_link->DataSource();
+}
+
+void TDBAMAdvLed::setDataSource(TDataSource *value)
+{
+    m_link->setDataSource(value);
+    DataChange();
+}
+
+QString TDBAMAdvLed::DataField() const
+{
+    return m_link->FieldName();
+}
+
+void TDBAMAdvLed::setDataField(const QString &value)
+{
+    m_link->setFieldName(value);
+    DataChange();
+}
+
+bool TDBAMAdvLed::ReadOnly() const
+{
+    return m_link->ReadOnly();
+}
+
+void TDBAMAdvLed::setReadOnly(bool value)
+{
+    m_link->setReadOnly(value);
+}
+
+TField *TDBAMAdvLed::Field() const
+{
+    return m_link->Field();
+}
+
+void TDBAMAdvLed::setValueChecked(const QString &value)
+{
+    m_valueChecked = value;
+    DataChange();
+}
+
+void TDBAMAdvLed::setValueUnchecked(const QString &value)
+{
+    m_valueUnchecked = value;
+    DataChange();
+}
+
+void TDBAMAdvLed::setCaption(const QString &value)
+{
+    if (m_caption == value)
+        return;
+    m_caption = value;
+    updateGeometry();
+    update();
+}
+
+bool TDBAMAdvLed::ValueMatch(const QString &values, const QString &text)
+{
+    const QStringList list = values.split(QLatin1Char(';'));
+    return std::any_of(list.begin(), list.end(),
+                       [&](const QString &v) { return v.compare(text, Qt::CaseInsensitive) == 0; });
+}
+
+TCheckBoxState TDBAMAdvLed::GetFieldState() const
+{
+    const TField *field = Field();
+    if (!field)
+        return cbUnchecked;
+    if (field->IsNull())
+        return cbGrayed;
+    if (field->DataType() == ftBoolean)
+        return field->AsBoolean() ? cbChecked : cbUnchecked;
+    const QString text = field->Text();
+    if (ValueMatch(m_valueChecked, text))
+        return cbChecked;
+    if (ValueMatch(m_valueUnchecked, text))
+        return cbUnchecked;
+    return cbGrayed;
+}
+
+void TDBAMAdvLed::SetState(TCheckBoxState Value)
+{
+    if (m_state != Value) {
+        m_state = Value;
+        setLedOn(Value == cbChecked);
+        update();
+    }
+    // A grayed state leaves the hint as it was.
+    if (Value == cbChecked && !m_hintChecked.isEmpty())
+        setToolTip(m_hintChecked);
+    else if (Value == cbUnchecked && !m_hintUnchecked.isEmpty())
+        setToolTip(m_hintUnchecked);
+}
+
+void TDBAMAdvLed::DataChange()
+{
+    SetState(GetFieldState());
+}
+
+void TDBAMAdvLed::Click()
+{
+    if (m_link->Edit()) {
+        switch (m_state) {
+        case cbUnchecked: SetState(AllowGrayed() ? cbGrayed : cbChecked); break;
+        case cbChecked: SetState(cbUnchecked); break;
+        case cbGrayed: SetState(cbChecked); break;
+        }
+        m_link->Modified();
+        m_link->UpdateRecord();
+    }
+    TAMAdvLed::Click();
+}
+
+void TDBAMAdvLed::UpdateData()
+{
+    TField *field = Field();
+    if (!field)
+        return;
+    if (m_state == cbGrayed)
+        field->Clear();
+    else if (field->DataType() == ftBoolean)
+        field->setAsBoolean(m_state == cbChecked);
+    else
+        field->setText((m_state == cbChecked ? m_valueChecked : m_valueUnchecked).section(QLatin1Char(';'), 0, 0));
+}
+
+QRect TDBAMAdvLed::LedRect() const
+{
+    QRect r(QPoint(0, 0), CurrentMask().size());
+    r.moveTop((height() - r.height()) / 2);
+    return r;
+}
+
+QSize TDBAMAdvLed::sizeHint() const
+{
+    const QSize led = TAMAdvLed::sizeHint();
+    if (m_caption.isEmpty())
+        return led;
+    const QFontMetrics fm = fontMetrics();
+    return QSize(led.width() + CaptionSpacing + fm.horizontalAdvance(m_caption), std::max(led.height(), fm.height()));
+}
+
+void TDBAMAdvLed::paintEvent(QPaintEvent *event)
+{
+    TAMAdvLed::paintEvent(event);
+    if (m_caption.isEmpty())
+        return;
+    QPainter painter(this);
+    painter.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::WindowText));
+    const QRect text = rect().adjusted(LedRect().right() + 1 + CaptionSpacing, 0, 0, 0);
+    painter.drawText(text, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, m_caption);
 }
 
 } // namespace mattoni

@@ -1,9 +1,11 @@
 // An LED indicator: a small picture in one of seventeen shapes, lit in ColorOn or unlit in
 // ColorOff. The pictures are shading masks (resources ":/mattoni/leds/<name>") tinted with the
-// colour when painted.
+// colour when painted. TDBAMAdvLed shows a field as lit, unlit or grayed and switches it on click.
 #pragma once
 
 #include "Color.h"
+#include "DataSource.h"
+#include "Graphics.h"
 #include "mattoni_widgets_export.h"
 
 #include <QImage>
@@ -11,6 +13,7 @@
 #include <QWidget>
 
 #include <functional>
+#include <memory>
 
 namespace mattoni {
 
@@ -123,6 +126,76 @@ private:
     mutable QPixmap m_tinted;
     mutable qint64 m_tintedKey = 0;
     mutable QRgb m_tintedColor = 0;
+};
+
+// An LED bound to a field, like a check box: lit for a true Boolean or a text in ValueChecked,
+// unlit for false or a text in ValueUnchecked, grayed (unlit, in grey) for Null or any other
+// text. A click cycles the state and writes it into the field.
+class MATTONI_WIDGETS_EXPORT TDBAMAdvLed : public TAMAdvLed
+{
+    Q_OBJECT
+    Q_PROPERTY(mattoni::TDataSource *DataSource READ DataSource WRITE setDataSource)
+    Q_PROPERTY(QString DataField READ DataField WRITE setDataField)
+    Q_PROPERTY(bool ReadOnly READ ReadOnly WRITE setReadOnly)
+    Q_PROPERTY(QString ValueChecked READ ValueChecked WRITE setValueChecked)
+    Q_PROPERTY(QString ValueUnchecked READ ValueUnchecked WRITE setValueUnchecked)
+    Q_PROPERTY(QString HintChecked READ HintChecked WRITE setHintChecked)
+    Q_PROPERTY(QString HintUnchecked READ HintUnchecked WRITE setHintUnchecked)
+    Q_PROPERTY(QString Caption READ Caption WRITE setCaption)
+
+public:
+    explicit TDBAMAdvLed(QWidget *parent = nullptr);
+    ~TDBAMAdvLed() override;
+
+    TDataSource *DataSource() const;
+    void setDataSource(TDataSource *value);
+    QString DataField() const;
+    void setDataField(const QString &value);
+    bool ReadOnly() const;
+    void setReadOnly(bool value);
+    // Texts separated by ";", compared ignoring case with the field's edit text; the first one is
+    // written. Defaults "True" and "False".
+    QString ValueChecked() const { return m_valueChecked; }
+    void setValueChecked(const QString &value);
+    QString ValueUnchecked() const { return m_valueUnchecked; }
+    void setValueUnchecked(const QString &value);
+    // The tool tip while checked or unchecked; empty leaves the tool tip as it is.
+    QString HintChecked() const { return m_hintChecked; }
+    void setHintChecked(const QString &value) { m_hintChecked = value; }
+    QString HintUnchecked() const { return m_hintUnchecked; }
+    void setHintUnchecked(const QString &value) { m_hintUnchecked = value; }
+    // Drawn right of the LED.
+    QString Caption() const { return m_caption; }
+    void setCaption(const QString &value);
+
+    TCheckBoxState State() const { return m_state; }
+    TField *Field() const;
+
+    QRect LedRect() const override;
+    QSize sizeHint() const override;
+
+protected:
+    // The field's value as a state.
+    TCheckBoxState GetFieldState() const;
+    void SetState(TCheckBoxState Value);
+    // Cycles the state when the link can edit, writes it, then OnClick.
+    void Click() override;
+    bool IsGrayed() const override { return m_state == cbGrayed; }
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    // The state into the field.
+    void UpdateData();
+    void DataChange();
+    static bool ValueMatch(const QString &values, const QString &text);
+
+    std::unique_ptr<TFieldDataLink> m_link;
+    TCheckBoxState m_state = cbUnchecked;
+    QString m_valueChecked = QStringLiteral("True");
+    QString m_valueUnchecked = QStringLiteral("False");
+    QString m_hintChecked;
+    QString m_hintUnchecked;
+    QString m_caption;
 };
 
 } // namespace mattoni

@@ -1,7 +1,9 @@
 // The LED indicator on screen: the picture chosen per shape and style, the border and 3-D
 // coupling, switching, painting in its colours, mouse events, and the shipped bitmaps.
 #include "AMAdvLed.h"
+#include "ClientDataSet.h"
 #include "Graphics.h"
+#include "Variants.h"
 
 #include <QtTest>
 
@@ -25,6 +27,22 @@ QImage resource(const QString &name)
 QImage onScreen(Led &led)
 {
     return led.grab(led.LedRect()).toImage().convertToFormat(QImage::Format_ARGB32);
+}
+
+// Five students: id, in_corso ("S"/"N"/other/null), tasse_pagate (0/1/other), attivo (Boolean).
+void students(TClientDataSet &ds)
+{
+    ds.FieldDefs().Add(QStringLiteral("id"), ftInteger, 0, true);
+    ds.FieldDefs().Add(QStringLiteral("in_corso"), ftString, 2);
+    ds.FieldDefs().Add(QStringLiteral("tasse_pagate"), ftInteger);
+    ds.FieldDefs().Add(QStringLiteral("attivo"), ftBoolean);
+    ds.CreateDataSet();
+    ds.AppendRecord({1, "S", 1, true});
+    ds.AppendRecord({2, "si", Null(), false});
+    ds.AppendRecord({3, "N", 0, true});
+    ds.AppendRecord({4, "X", 7, false});
+    ds.AppendRecord({5, Null(), 1, Null()});
+    ds.First();
 }
 
 // A tinted picture over the form's grey, as the screen shows it.
@@ -211,6 +229,136 @@ private slots:
         QCOMPARE(events, (QStringList{"down 1 33554432 12,14", "up 1 12,14", "click", "down 2 0 3,4", "up 2 3,4"}));
         // Clicking does not switch a plain LED.
         QVERIFY(!led.LedOn());
+    }
+
+    // Students: a text flag "S"/"N", an integer 0/1 and a Boolean, one record per case.
+    void dataAware_data()
+    {
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<int>("record");
+        QTest::addColumn<TCheckBoxState>("state");
+        QTest::newRow("text in ValueChecked") << "in_corso" << 1 << cbChecked;
+        QTest::newRow("text in ValueChecked, other case") << "in_corso" << 2 << cbChecked;
+        QTest::newRow("text in ValueUnchecked") << "in_corso" << 3 << cbUnchecked;
+        QTest::newRow("text in neither list") << "in_corso" << 4 << cbGrayed;
+        QTest::newRow("text null") << "in_corso" << 5 << cbGrayed;
+        QTest::newRow("integer 1") << "tasse_pagate" << 1 << cbChecked;
+        QTest::newRow("integer 0") << "tasse_pagate" << 3 << cbUnchecked;
+        QTest::newRow("integer 7") << "tasse_pagate" << 4 << cbGrayed;
+        QTest::newRow("boolean true") << "attivo" << 1 << cbChecked;
+        QTest::newRow("boolean false") << "attivo" << 2 << cbUnchecked;
+        QTest::newRow("boolean null") << "attivo" << 5 << cbGrayed;
+    }
+    void dataAware()
+    {
+        QFETCH(QString, field);
+        QFETCH(int, record);
+        QFETCH(TCheckBoxState, state);
+
+        TClientDataSet ds;
+        students(ds);
+        TDataSource source;
+        source.setDataSet(&ds);
+        TDBAMAdvLed led;
+        led.setValueChecked(field == QLatin1String("in_corso") ? QStringLiteral("S;Si") : QStringLiteral("1"));
+        led.setValueUnchecked(field == QLatin1String("in_corso") ? QStringLiteral("N") : QStringLiteral("0"));
+        led.setHintChecked(QStringLiteral("In regola"));
+        led.setHintUnchecked(QStringLiteral("Da verificare"));
+        led.setDataSource(&source);
+        led.setDataField(field);
+        QVERIFY(ds.Locate(QStringLiteral("id"), record));
+        QCOMPARE(led.State(), state);
+        QCOMPARE(led.LedOn(), state == cbChecked);
+        // The first record is checked everywhere: a grayed one keeps the hint it left.
+        QCOMPARE(led.toolTip(), state == cbUnchecked ? QStringLiteral("Da verificare") : QStringLiteral("In regola"));
+        const QColor off = TColorToQColor(led.ColorOff());
+        QCOMPARE(led.PaintColor(), state == cbChecked ? TColorToQColor(led.ColorOn())
+                                   : state == cbUnchecked ? off
+                                                          : QColor(159, 159, 159));
+    }
+
+    void dataAwareClicks()
+    {
+        TClientDataSet ds;
+        students(ds);
+        TDataSource source;
+        source.setDataSet(&ds);
+        QWidget form;
+        auto *text = new TDBAMAdvLed(&form);
+        text->setGeometry(0, 0, 120, 20);
+        text->setCaption(QStringLiteral("In corso"));
+        text->setValueChecked(QStringLiteral("S;Si"));
+        text->setValueUnchecked(QStringLiteral("N"));
+        text->setDataSource(&source);
+        text->setDataField(QStringLiteral("in_corso"));
+        auto *flag = new TDBAMAdvLed(&form);
+        flag->setGeometry(0, 30, 20, 20);
+        flag->setDataSource(&source);
+        flag->setDataField(QStringLiteral("attivo"));
+        form.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&form));
+        const auto click = [](TDBAMAdvLed *led) { QTest::mouseClick(led, Qt::LeftButton, {}, led->LedRect().center()); };
+        TField *inCorso = ds.FieldByName(QStringLiteral("in_corso"));
+        TField *attivo = ds.FieldByName(QStringLiteral("attivo"));
+        int clicks = 0;
+        text->OnClick = [&](QObject *) { ++clicks; };
+
+        // Grayed goes to checked, which writes the first checked value.
+        QVERIFY(ds.Locate(QStringLiteral("id"), 4));
+        QCOMPARE(text->State(), cbGrayed);
+        click(text);
+        QCOMPARE(ds.State(), dsEdit);
+        QCOMPARE(inCorso->AsString(), QStringLiteral("S"));
+        QVERIFY(text->LedOn());
+        click(text);
+        QCOMPARE(inCorso->AsString(), QStringLiteral("N"));
+        click(text);
+        QCOMPARE(inCorso->AsString(), QStringLiteral("S"));
+        QCOMPARE(clicks, 3);
+        // With AllowGrayed, unchecked goes to grayed: the field is cleared.
+        text->setAllowGrayed(true);
+        click(text);
+        click(text);
+        QVERIFY(inCorso->IsNull());
+        QCOMPARE(text->State(), cbGrayed);
+        ds.Post();
+        QVERIFY(VarIsNull(ds.Lookup(QStringLiteral("id"), 4, QStringLiteral("in_corso"))));
+
+        // A Boolean field takes the flag; the other LED on the record follows its own field.
+        QVERIFY(ds.Locate(QStringLiteral("id"), 2));
+        QVERIFY(!flag->LedOn());
+        click(flag);
+        QVERIFY(attivo->AsBoolean());
+        QVERIFY(flag->LedOn());
+        ds.Cancel();
+        QVERIFY(!flag->LedOn());
+        QCOMPARE(text->State(), cbChecked);
+
+        // Read-only LED, read-only dataset, or a source that does not edit by itself: no change.
+        text->setReadOnly(true);
+        click(text);
+        QCOMPARE(ds.State(), dsBrowse);
+        QCOMPARE(clicks, 6);
+        text->setReadOnly(false);
+        source.setAutoEdit(false);
+        click(text);
+        QCOMPARE(ds.State(), dsBrowse);
+        QCOMPARE(inCorso->AsString(), QStringLiteral("si"));
+        source.setAutoEdit(true);
+        ds.setReadOnly(true);
+        click(flag);
+        QCOMPARE(ds.State(), dsBrowse);
+        QVERIFY(!attivo->AsBoolean());
+
+        // Scrolling switches the LED only when the state changes.
+        ds.setReadOnly(false);
+        const int switches = text->NumSwitch();
+        QVERIFY(ds.Locate(QStringLiteral("id"), 1)); // "S": still lit
+        QCOMPARE(text->NumSwitch(), switches);
+        QVERIFY(ds.Locate(QStringLiteral("id"), 3)); // "N"
+        QCOMPARE(text->NumSwitch(), switches + 1);
+        ds.Close();
+        QCOMPARE(text->State(), cbUnchecked);
     }
 
     // The committed pictures and resource list are what the drawing program makes today.
