@@ -70,12 +70,41 @@ private:
     QString m_text;
 };
 
-void captions(TDBReadTreeView &view)
+// Our side: the table through CommandText, a source and a shown tree view with captions. The
+// view is attached to the source by the caller, before or after opening.
+struct OurTree
 {
-    view.OnCreatingDataNode = [](QObject *, TDataSet *ds, TTreeNode *, TCustomDataNode *&data) {
-        data = new Caption(ds->FieldByName(QStringLiteral("nome"))->AsString());
-    };
-}
+    TClientDataSet ds;
+    TDataSource source;
+    TDBReadTreeView view;
+
+    OurTree()
+    {
+        ds.setConnectionName(QLatin1String(Connection));
+        ds.setCommandText(QLatin1String(Select));
+        source.setDataSet(&ds);
+        view.OnCreatingDataNode = [](QObject *, TDataSet *dataSet, TTreeNode *, TCustomDataNode *&data) {
+            data = new Caption(dataSet->FieldByName(QStringLiteral("nome"))->AsString());
+        };
+        view.setDataFieldNodo(QStringLiteral("id"));
+        view.setDataFieldPadre(QStringLiteral("padre"));
+        view.show();
+    }
+};
+
+// The references' side: a shown QTreeWidget with one node, the parent of the big branch.
+struct PlainTree
+{
+    QTreeWidget view;
+    QTreeWidgetItem *big = new QTreeWidgetItem(QStringList{QStringLiteral("Nodo 1")});
+
+    PlainTree()
+    {
+        view.addTopLevelItem(big);
+        view.show();
+        QApplication::processEvents();
+    }
+};
 
 double best(int runs, const std::function<double()> &measure)
 {
@@ -125,41 +154,23 @@ int main(int argc, char **argv)
 
     // --- Roots after opening ---
     const double oursOpen = best(runs, [&] {
-        TClientDataSet ds;
-        ds.setConnectionName(QLatin1String(Connection));
-        ds.setCommandText(QLatin1String(Select));
-        TDataSource source;
-        source.setDataSet(&ds);
-        TDBReadTreeView view;
-        captions(view);
-        view.setDataFieldNodo(QStringLiteral("id"));
-        view.setDataFieldPadre(QStringLiteral("padre"));
-        view.setDataSource(&source);
-        view.show();
+        OurTree tree;
+        tree.view.setDataSource(&tree.source);
         QElapsedTimer t;
         t.start();
-        ds.Open();
+        tree.ds.Open();
         QApplication::processEvents();
         const double ms = elapsedMs(t);
-        if (view.topLevelItemCount() != Roots)
-            qFatal("bench_tree: %d roots", view.topLevelItemCount());
+        if (tree.view.topLevelItemCount() != Roots)
+            qFatal("bench_tree: %d roots", tree.view.topLevelItemCount());
         return ms;
     });
     const double oursRootsOnly = best(runs, [&] {
-        TClientDataSet ds;
-        ds.setConnectionName(QLatin1String(Connection));
-        ds.setCommandText(QLatin1String(Select));
-        ds.Open();
-        TDataSource source;
-        source.setDataSet(&ds);
-        TDBReadTreeView view;
-        captions(view);
-        view.setDataFieldNodo(QStringLiteral("id"));
-        view.setDataFieldPadre(QStringLiteral("padre"));
-        view.show();
+        OurTree tree;
+        tree.ds.Open();
         QElapsedTimer t;
         t.start();
-        view.setDataSource(&source);
+        tree.view.setDataSource(&tree.source);
         QApplication::processEvents();
         return elapsedMs(t);
     });
@@ -190,23 +201,14 @@ int main(int argc, char **argv)
 
     // --- A node with 10,000 children, on its first selection ---
     const double oursChildren = best(runs, [&] {
-        TClientDataSet ds;
-        ds.setConnectionName(QLatin1String(Connection));
-        ds.setCommandText(QLatin1String(Select));
-        TDataSource source;
-        source.setDataSet(&ds);
-        TDBReadTreeView view;
-        captions(view);
-        view.setDataFieldNodo(QStringLiteral("id"));
-        view.setDataFieldPadre(QStringLiteral("padre"));
-        view.setDataSource(&source);
-        view.show();
-        ds.Open();
+        OurTree tree;
+        tree.view.setDataSource(&tree.source);
+        tree.ds.Open();
         QApplication::processEvents();
-        TTreeNode *big = view.GetNodeFromID(1);
+        TTreeNode *big = tree.view.GetNodeFromID(1);
         QElapsedTimer t;
         t.start();
-        view.setSelected(big);
+        tree.view.setSelected(big);
         big->setExpanded(true);
         QApplication::processEvents();
         const double ms = elapsedMs(t);
@@ -215,11 +217,7 @@ int main(int argc, char **argv)
         return ms;
     });
     const double refSqlChildren = best(runs, [&] {
-        QTreeWidget view;
-        auto *big = new QTreeWidgetItem(QStringList{QStringLiteral("Nodo 1")});
-        view.addTopLevelItem(big);
-        view.show();
-        QApplication::processEvents();
+        PlainTree tree;
         QElapsedTimer t;
         t.start();
         QSqlQuery q(db);
@@ -228,25 +226,21 @@ int main(int argc, char **argv)
         q.addBindValue(1);
         q.exec();
         while (q.next())
-            big->addChild(new QTreeWidgetItem(QStringList{q.value(2).toString()}));
-        view.setCurrentItem(big);
-        big->setExpanded(true);
+            tree.big->addChild(new QTreeWidgetItem(QStringList{q.value(2).toString()}));
+        tree.view.setCurrentItem(tree.big);
+        tree.big->setExpanded(true);
         QApplication::processEvents();
         return elapsedMs(t);
     });
     const double refMemoryChildren = best(runs, [&] {
-        QTreeWidget view;
-        auto *big = new QTreeWidgetItem(QStringList{QStringLiteral("Nodo 1")});
-        view.addTopLevelItem(big);
-        view.show();
-        QApplication::processEvents();
+        PlainTree tree;
         QElapsedTimer t;
         t.start();
         for (const Row &r : memory)
             if (!r.padre.isNull() && r.padre.toInt() == 1)
-                big->addChild(new QTreeWidgetItem(QStringList{r.nome}));
-        view.setCurrentItem(big);
-        big->setExpanded(true);
+                tree.big->addChild(new QTreeWidgetItem(QStringList{r.nome}));
+        tree.view.setCurrentItem(tree.big);
+        tree.big->setExpanded(true);
         QApplication::processEvents();
         return elapsedMs(t);
     });

@@ -1,6 +1,7 @@
 // A month calendar drawn as a 7 x 7 grid, and the date helpers of the date controls.
 #include "calendario.h"
 
+#include "DateHelpers.h"
 #include "Formatting.h"
 
 #include <QKeyEvent>
@@ -76,27 +77,6 @@ void TinCalendar::setCalendarDate(TDateTime value)
     storeDate(value);
     UpdateCalendar();
     Change();
-}
-
-int TinCalendar::Day() const
-{
-    int y, m, d;
-    DecodeDate(m_date, y, m, d);
-    return d;
-}
-
-int TinCalendar::Month() const
-{
-    int y, m, d;
-    DecodeDate(m_date, y, m, d);
-    return m;
-}
-
-int TinCalendar::Year() const
-{
-    int y, m, d;
-    DecodeDate(m_date, y, m, d);
-    return y;
 }
 
 void TinCalendar::setStartOfWeek(TGiorni value)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Color.h"
+#include "DateHelpers.h"
 #include "DateTime.h"
 #include "Graphics.h"
 #include "mattoni_widgets_export.h"
@@ -105,11 +106,11 @@ public:
     void setBorderStyle(TBorderStyle value);
     TDateTime CalendarDate() const { return m_date; }
     void setCalendarDate(TDateTime value);
-    int Day() const;
+    int Day() const { return GetDay(m_date); }
     void setDay(int value) { SetDateElement(3, value); }
-    int Month() const;
+    int Month() const { return GetMonth(m_date); }
     void setMonth(int value) { SetDateElement(2, value); }
-    int Year() const;
+    int Year() const { return GetYear(m_date); }
     void setYear(int value) { SetDateElement(1, value); }
     bool ReadOnly() const { return m_readOnly; }
     void setReadOnly(bool value) { m_readOnly = value; }
