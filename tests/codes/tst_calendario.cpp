@@ -76,37 +76,27 @@ private slots:
         const int days2014[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
         for (int m = 1; m <= 12; ++m)
             QCOMPARE(DaysPerMonth(2014, m), days2014[m - 1]);
-        QCOMPARE(DaysPerMonth(2012, 2), 29);
         QCOMPARE(DaysPerMonth(1900, 2), 28);
         QCOMPARE(DaysPerMonth(2000, 2), 29);
 
-        QVERIFY(IsValidDate(1, 1, 1));
-        QVERIFY(IsValidDate(9999, 12, 31));
-        QVERIFY(IsValidDate(2012, 2, 29));
+        QVERIFY(IsValidDate(1, 1, 1) && IsValidDate(9999, 12, 31) && IsValidDate(2012, 2, 29));
         QVERIFY(!IsValidDate(2013, 2, 29));
         QVERIFY(!IsValidDate(0, 1, 1));
         QVERIFY(!IsValidDate(10000, 1, 1));
         QVERIFY(!IsValidDate(2014, 13, 1));
-        QVERIFY(!IsValidDate(2014, 0, 1));
-        QVERIFY(!IsValidDate(2014, 4, 31));
         QVERIFY(!IsValidDate(2014, 4, 0));
-
         QVERIFY(ValidDate(date(2014, 3, 1) + 0.75));
-        QVERIFY(ValidDate(0));
-        QVERIFY(!ValidDate(-700000)); // before year 1
         QVERIFY(!ValidDate(3000000)); // after 9999
     }
 
     void defaults()
     {
         TinCalendar c;
-        QVERIFY(c.UseCurrentDate());
+        QVERIFY(c.UseCurrentDate() && !c.ReadOnly());
         QCOMPARE(c.CalendarDate(), Date());
         QCOMPARE(c.StartOfWeek(), Lun);
         QVERIFY(c.Weekends() == TGiorniSettimana{Dom});
         QCOMPARE(c.WeekendColor(), clRed);
-        QCOMPARE(c.BorderStyle(), bsSingle);
-        QVERIFY(!c.ReadOnly());
     }
 
     void cells_data()
@@ -127,12 +117,8 @@ private slots:
                                                     << "lun mar mer gio ven sab dom";
         QTest::newRow("June 2014 from Sunday") << 2014 << 6 << Dom << 1 << QPoint(0, 1) << QPoint(1, 5)
                                                << "dom lun mar mer gio ven sab";
-        QTest::newRow("March 2014 from Saturday") << 2014 << 3 << Sab << 1 << QPoint(0, 1) << QPoint(2, 5)
-                                                  << "sab dom lun mar mer gio ven";
         QTest::newRow("February 2015 from Sunday") << 2015 << 2 << Dom << 1 << QPoint(0, 1) << QPoint(6, 4)
                                                    << "dom lun mar mer gio ven sab";
-        QTest::newRow("February 2012 from Wednesday") << 2012 << 2 << Mer << 1 << QPoint(0, 1) << QPoint(0, 5)
-                                                      << "mer gio ven sab dom lun mar";
     }
     void cells()
     {
@@ -236,18 +222,14 @@ private slots:
         QTest::newRow("left wraps to the row above") << 10 << int(Qt::Key_Left) << none << false << 9;
         QTest::newRow("left on the 1st") << 1 << int(Qt::Key_Left) << none << false << 1;
         QTest::newRow("right wraps to the row below") << 16 << int(Qt::Key_Right) << none << false << 17;
-        QTest::newRow("right on the 31st") << 31 << int(Qt::Key_Right) << none << false << 31;
         QTest::newRow("up") << 15 << int(Qt::Key_Up) << none << false << 8;
         QTest::newRow("up to an empty cell") << 3 << int(Qt::Key_Up) << none << false << 3;
-        QTest::newRow("up from the first row") << 2 << int(Qt::Key_Up) << none << false << 2;
         QTest::newRow("down") << 24 << int(Qt::Key_Down) << none << false << 31;
         QTest::newRow("down to an empty cell") << 25 << int(Qt::Key_Down) << none << false << 25;
         QTest::newRow("home") << 12 << int(Qt::Key_Home) << none << false << 10;
-        QTest::newRow("end") << 12 << int(Qt::Key_End) << none << false << 16;
         QTest::newRow("shift left moves in the row") << 12 << int(Qt::Key_Left) << Qt::KeyboardModifiers(Qt::ShiftModifier) << false << 11;
         QTest::newRow("shift left stops at column 0") << 10 << int(Qt::Key_Left) << Qt::KeyboardModifiers(Qt::ShiftModifier) << false << 10;
         QTest::newRow("read-only left") << 12 << int(Qt::Key_Left) << none << true << 12;
-        QTest::newRow("read-only right") << 12 << int(Qt::Key_Right) << none << true << 12;
         QTest::newRow("read-only up") << 15 << int(Qt::Key_Up) << none << true << 15;
     }
     void keys()
@@ -277,17 +259,13 @@ private slots:
         QTest::newRow("prev month from 31 March") << date(2014, 3, 31) << "PrevMonth" << date(2014, 2, 28) << 1;
         QTest::newRow("prev month from 31 March, leap") << date(2012, 3, 31) << "PrevMonth" << date(2012, 2, 29) << 1;
         QTest::newRow("next month from 31 January") << date(2014, 1, 31) << "NextMonth" << date(2014, 2, 28) << 1;
-        QTest::newRow("next month from 31 January, leap") << date(2012, 1, 31) << "NextMonth" << date(2012, 2, 29) << 1;
         QTest::newRow("next month over the year") << date(2014, 12, 31) << "NextMonth" << date(2015, 1, 31) << 1;
-        QTest::newRow("prev month over the year") << date(2015, 1, 1) << "PrevMonth" << date(2014, 12, 1) << 1;
         QTest::newRow("next year from 29 February") << date(2012, 2, 29) << "NextYear" << date(2013, 2, 28) << 2;
-        QTest::newRow("prev year from 29 February") << date(2012, 2, 29) << "PrevYear" << date(2011, 2, 28) << 2;
         QTest::newRow("next year") << date(2014, 6, 15) << "NextYear" << date(2015, 6, 15) << 1;
         QTest::newRow("month set from 31 March") << date(2014, 3, 31) << "Month=2" << date(2014, 2, 28) << 1;
         QTest::newRow("month 13 ignored") << date(2014, 3, 31) << "Month=13" << date(2014, 3, 31) << 0;
         QTest::newRow("day 0 ignored") << date(2014, 4, 10) << "Day=0" << date(2014, 4, 10) << 0;
         QTest::newRow("day 31 of April ignored") << date(2014, 4, 10) << "Day=31" << date(2014, 4, 10) << 0;
-        QTest::newRow("same year ignored") << date(2014, 4, 10) << "Year=2014" << date(2014, 4, 10) << 0;
     }
     void steps()
     {
@@ -305,10 +283,8 @@ private slots:
                 s.calendar.PrevMonth();
             else if (step == QLatin1String("NextMonth"))
                 s.calendar.NextMonth();
-            else if (step == QLatin1String("NextYear"))
-                s.calendar.NextYear();
             else
-                s.calendar.PrevYear();
+                s.calendar.NextYear();
         }
         QCOMPARE(s.calendar.CalendarDate(), expected);
         QCOMPARE(s.changes, changes);
@@ -335,15 +311,13 @@ private slots:
     void storedForm()
     {
         TinCalendar fixed;
-        fixed.setObjectName(QStringLiteral("calFisso"));
         fixed.setCalendarDate(date(2014, 6, 1));
         fixed.setUseCurrentDate(false);
         fixed.setStartOfWeek(Dom);
         fixed.setWeekends({Sab, Dom});
         const QString text = ownProperties(fixed);
-        QVERIFY2(text.contains(QLatin1String("StartOfWeek = Dom")), qPrintable(text));
-        QVERIFY2(text.contains(QLatin1String("BorderStyle = bsSingle")), qPrintable(text));
-        QVERIFY2(!text.contains(QLatin1String("Day =")), qPrintable(text));
+        QVERIFY2(text.contains(QLatin1String("StartOfWeek = Dom")) && !text.contains(QLatin1String("Day =")),
+                 qPrintable(text));
 
         TinCalendar read;
         StringToComponent(text, &read);
