@@ -202,6 +202,7 @@ void TCustomDBTreeView::setHideSelection(bool value)
 void TCustomDBTreeView::setImages(const QList<QIcon> &value)
 {
     m_images = value;
+    m_levelIcons.clear();
     for (TTreeNode *node : Nodes())
         SetImages(node);
 }
@@ -294,15 +295,18 @@ void TCustomDBTreeView::SetImages(TTreeNode *node)
         node->setIcon(0, QIcon());
         return;
     }
-    QIcon icon;
-    const auto add = [&](int index, QIcon::Mode mode) {
-        if (index >= 0 && index < m_images.size())
-            for (const QSize &size : m_images[index].availableSizes())
-                icon.addPixmap(m_images[index].pixmap(size), mode);
-    };
-    add(node->m_imageIndex, QIcon::Normal);
-    add(node->m_selectedIndex, QIcon::Selected);
-    node->setIcon(0, icon);
+    // Both indexes are the level: one icon per level serves every node.
+    while (m_levelIcons.size() <= level) {
+        const int index = int(m_levelIcons.size());
+        QIcon icon;
+        if (index < m_images.size())
+            for (const QSize &size : m_images[index].availableSizes()) {
+                icon.addPixmap(m_images[index].pixmap(size), QIcon::Normal);
+                icon.addPixmap(m_images[index].pixmap(size), QIcon::Selected);
+            }
+        m_levelIcons << icon;
+    }
+    node->setIcon(0, m_levelIcons[level]);
 }
 
 void TCustomDBTreeView::ApplyText(TTreeNode *node)
@@ -373,12 +377,9 @@ void TCustomDBTreeView::initTree()
                 roots << AddDataNode(nullptr);
             ds->Next();
         }
-        if (m_fetchAll && GetFirstNode()) {
-            TTreeNode *root = GetFirstNode();
-            while (root->Parent())
-                root = root->Parent();
-            for (; root; root = root->getNextSibling())
-                ReadChildren(root);
+        if (m_fetchAll) {
+            for (int i = 0; i < topLevelItemCount(); ++i)
+                ReadChildren(static_cast<TTreeNode *>(topLevelItem(i)));
         }
     }
     ShowIndicators(m_fetchAll ? Nodes() : roots);

@@ -242,6 +242,7 @@ private:
     bool m_hideSelection = true;
     bool m_toolTips = true;
     QList<QIcon> m_images;
+    QList<QIcon> m_levelIcons;
     bool m_building = false;
     bool m_quiet = false;
     // The key of the node last selected, or last found as the current record's.
