@@ -1,5 +1,5 @@
-// TColor to QColor and back, and the small enumerations controls share. Linking the widgets library makes system colours (clWindow,
-// clInfoBk ...) resolve through the application palette.
+// TColor to QColor and back, and the small enumerations controls share. Linking the widgets
+// library makes system colours (clWindow, clInfoBk ...) resolve through the application palette.
 #pragma once
 
 #include "Color.h"
