@@ -296,6 +296,7 @@ void TCustomClientDataSet::InternalInitFieldDefs()
 void TCustomClientDataSet::EmptyDataSet()
 {
     CheckBrowseMode();
+    NotifyRowsAboutToBeReset();
     m_store->Clear();
     ++m_storeSerial;
     m_locateCaches.clear();
@@ -338,7 +339,7 @@ QVariant TCustomClientDataSet::StoredValue(RecordId id, int column) const
     return m_store->Value(id, column);
 }
 
-void TCustomClientDataSet::AssignAutoIncrements(QVariantList &values)
+void TCustomClientDataSet::PrepareRecord(QVariantList &values, bool)
 {
     for (int c = 0; c < m_store->ColumnCount(); ++c) {
         if (m_store->ColumnAt(c).Type() != ftAutoInc)
@@ -351,11 +352,14 @@ void TCustomClientDataSet::AssignAutoIncrements(QVariantList &values)
     }
 }
 
+int TCustomClientDataSet::PredictPosition(const QVariantList &values, RecordId before, RecordId self)
+{
+    return m_store->PredictPosition(values, before, self);
+}
+
 TDataSet::RecordId TCustomClientDataSet::InternalInsert(const QVariantList &values, RecordId before)
 {
-    QVariantList record = values;
-    AssignAutoIncrements(record);
-    return m_store->Insert(record, before);
+    return m_store->Insert(values, before);
 }
 
 void TCustomClientDataSet::InternalUpdate(RecordId id, const QVariantList &values)
@@ -429,7 +433,12 @@ void TCustomClientDataSet::SwitchIndex(Index *index)
 {
     CheckBrowseMode();
     NotifyRowsAboutToBeReordered();
-    m_store->SetActiveIndex(index);
+    try {
+        m_store->SetActiveIndex(index);
+    } catch (...) {
+        NotifyRowsReordered();
+        throw;
+    }
     Touch();
     NotifyRowsReordered();
     Resync();

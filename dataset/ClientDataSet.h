@@ -118,7 +118,9 @@ protected:
     void UpdateIndexDefs() override;
     bool LocateRecord(const QList<TField *> &fields, const QVariantList &values, TLocateOptions options,
                       RecordId &found) override;
+    void PrepareRecord(QVariantList &values, bool inserting) override;
     void CheckRecord(const QVariantList &values, RecordId self) const override;
+    int PredictPosition(const QVariantList &values, RecordId before, RecordId self) override;
     void InternalPostKey(const QVariantList &key, bool commit) override;
     TBookmark MakeBookmark(RecordId id) const override;
     RecordId BookmarkRecord(const TBookmark &bookmark) const override;
@@ -132,7 +134,6 @@ private:
     void SwitchIndex(detail::Index *index);
     void ActivateIndexSetting();
     void ApplyFilter();
-    void AssignAutoIncrements(QVariantList &values);
     bool FindInView(const QVariantList &key, bool exact, RecordId &found) const;
     QVariantList KeyForIndex(const QVariantList &buffer) const;
     void KeyMode(bool keep);

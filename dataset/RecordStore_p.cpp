@@ -467,6 +467,7 @@ void RecordStore::Clear()
     }
     m_filtered.clear();
     m_savedView = SavedView();
+    m_scratch = NoRecord;
     Changed();
 }
 
@@ -556,6 +557,31 @@ void RecordStore::CheckUnique(const QVariantList &values, RecordId self)
                 throw EDatabaseError(QString::fromLatin1(DBConsts::SKeyViol));
         }
     }
+}
+
+int RecordStore::PredictPosition(const QVariantList &values, RecordId before, RecordId self)
+{
+    if (m_scratch == NoRecord) {
+        m_scratch = RecordId(m_alive.size());
+        for (Column &c : m_columns)
+            c.Resize(size_t(m_scratch) + 1);
+        m_alive.push_back(false);
+        m_rank.push_back(0);
+    }
+    SetValues(m_scratch, values);
+    m_rank[m_scratch] = self != NoRecord ? m_rank[self] : RankBefore(before);
+    if (m_filter && !m_filter(m_scratch))
+        return -1;
+    const std::vector<RecordId> &view = View();
+    auto it = std::lower_bound(view.begin(), view.end(), m_scratch,
+                               [&](RecordId a, RecordId b) { return CompareInOrder(a, b) < 0; });
+    int position = int(it - view.begin());
+    if (self != NoRecord) {
+        const int own = ViewPosition(self);
+        if (own >= 0 && own < position)
+            --position;
+    }
+    return position;
 }
 
 void RecordStore::Build(Index &index)

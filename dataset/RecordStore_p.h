@@ -144,6 +144,9 @@ public:
     QVariant Value(RecordId id, int column) const { return m_columns[size_t(column)].Get(id); }
     // Raises "Key violation" when Values would duplicate the key of a unique index.
     void CheckUnique(const QVariantList &values, RecordId self);
+    // The view position a record with Values will have once inserted before Before (or once
+    // Self is updated with them), -1 when the filter will hide it.
+    int PredictPosition(const QVariantList &values, RecordId before, RecordId self);
 
     // --- indexes ---
     std::vector<std::unique_ptr<Index>> &Indexes() { return m_indexes; }
@@ -195,6 +198,8 @@ private:
     // Default order: ranks increase along m_defaultOrder and are unique.
     std::vector<qint64> m_rank;
     std::vector<RecordId> m_defaultOrder;
+    // A slot that is never a record: values are tried there before they are stored.
+    RecordId m_scratch = NoRecord;
     std::vector<std::unique_ptr<Index>> m_indexes;
     Index *m_active = nullptr;
     const std::vector<RecordId> *m_activeOrder;
