@@ -24,6 +24,17 @@ int characterCount(const QString &text)
     return int(text.size() - std::count_if(text.cbegin(), text.cend(), [](QChar c) { return c.isLowSurrogate(); }));
 }
 
+// The printable text a key types, as QLineEdit inserts it; empty for any other key.
+QString typedText(const QKeyEvent *event)
+{
+    const QString text = event->text();
+    const Qt::KeyboardModifiers modifiers = event->modifiers();
+    if (text.isEmpty() || !text.at(0).isPrint() || modifiers == Qt::ControlModifier
+        || modifiers == (Qt::ControlModifier | Qt::ShiftModifier))
+        return QString();
+    return text;
+}
+
 // The keys with which QLineEdit changes its text.
 bool changesText(const QKeyEvent *event)
 {
@@ -35,12 +46,7 @@ bool changesText(const QKeyEvent *event)
         if (event->matches(key))
             return true;
     }
-    if (event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Delete)
-        return true;
-    const QString text = event->text();
-    const Qt::KeyboardModifiers modifiers = event->modifiers();
-    return !text.isEmpty() && text.at(0).isPrint() && modifiers != Qt::ControlModifier
-        && modifiers != (Qt::ControlModifier | Qt::ShiftModifier);
+    return event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Delete || !typedText(event).isEmpty();
 }
 
 } // namespace
@@ -194,7 +200,14 @@ void TEditEnh::PostCurrentException(bool refocus)
 bool TEditEnh::event(QEvent *event)
 {
     switch (event->type()) {
-    case QEvent::KeyPress:
+    case QEvent::KeyPress: {
+        // Tab and Shift+Tab only move the focus: what the exit handlers write is the program's.
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (key == Qt::Key_Tab || key == Qt::Key_Backtab)
+            return QLineEdit::event(event);
+        const QScopedValueRollback<bool> input(m_userInput, true);
+        return QLineEdit::event(event);
+    }
     case QEvent::InputMethod:
     case QEvent::Drop:
     case QEvent::MouseButtonRelease: // the X11 selection is pasted with the middle button
@@ -310,8 +323,12 @@ void TDBEditEnh::DataChange()
 {
     if (m_keepText)
         return;
+    const QString value = Field() ? Field()->Text() : QString();
+    // Setting even the same text would drop the selection the user is typing over.
+    if (value == EditText())
+        return;
     const QScopedValueRollback<bool> fromData(m_dataChanging, true);
-    SetProgramText(Field() ? Field()->Text() : QString());
+    SetProgramText(value);
 }
 
 void TDBEditEnh::UpdateData()
@@ -349,7 +366,7 @@ void TDBEditEnh::keyPressEvent(QKeyEvent *event)
     default:
         // The dataset enters edit mode before the key changes the text, so that the record it
         // shows again on entering is the one the key changes.
-        if (changesText(event) && RefusedChars(event->text()) == 0) {
+        if (changesText(event) && RefusedChars(typedText(event)) == 0) {
             bool editing = false;
             try {
                 editing = m_dataLink.Edit();

@@ -1,0 +1,68 @@
+// What the tests of the edit controls share: an active window for real focus changes, keys sent
+// where the focus is, and the errors the controls post from their handlers.
+#pragma once
+
+#include "ControlErrors.h"
+#include "Exceptions.h"
+
+#include <QApplication>
+#include <QtTest>
+
+namespace edittest {
+
+// Shows Window as the active window, so that clicks and Tab move a real focus.
+inline bool activate(QWidget &window)
+{
+    window.show();
+    window.activateWindow();
+    return QTest::qWaitForWindowActive(&window);
+}
+
+inline QWidget *focused()
+{
+    return QApplication::focusWidget();
+}
+
+// Tab, or Shift+Tab, pressed where the focus is.
+inline void tab(bool back = false)
+{
+    QTest::keyClick(focused(), Qt::Key_Tab, back ? Qt::ShiftModifier : Qt::NoModifier);
+}
+
+// Typed where the focus is.
+inline void typeIn(const QString &text)
+{
+    QTest::keyClicks(focused(), text);
+}
+
+// Collects what the controls hand to OnControlException while it lives.
+class PostedErrors
+{
+public:
+    PostedErrors()
+    {
+        mattoni::OnControlException = [this](QObject *sender, std::exception_ptr error) {
+            senders.append(sender);
+            errors.append(error);
+        };
+    }
+    ~PostedErrors() { mattoni::OnControlException = nullptr; }
+    PostedErrors(const PostedErrors &) = delete;
+    PostedErrors &operator=(const PostedErrors &) = delete;
+
+    QString message(int index) const
+    {
+        try {
+            std::rethrow_exception(errors.at(index));
+        } catch (const mattoni::Exception &e) {
+            return e.Message();
+        } catch (...) {
+        }
+        return QString();
+    }
+
+    QList<QObject *> senders;
+    QList<std::exception_ptr> errors;
+};
+
+} // namespace edittest
