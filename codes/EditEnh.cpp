@@ -364,12 +364,12 @@ void TDBEditEnh::keyPressEvent(QKeyEvent *event)
         selectAll();
         break;
     default:
-        // The dataset enters edit mode before the key changes the text, so that the record it
-        // shows again on entering is the one the key changes.
+        // The dataset enters edit mode before the key changes the text, and the key changes the
+        // text the user sees (not the field's own text, which may be written differently).
         if (changesText(event) && RefusedChars(typedText(event)) == 0) {
             bool editing = false;
             try {
-                editing = m_dataLink.Edit();
+                editing = EditKeepingText();
             } catch (...) {
                 PostCurrentException(false);
             }
@@ -396,14 +396,15 @@ void TDBEditEnh::Change()
     TEditEnh::Change();
 }
 
+bool TDBEditEnh::EditKeepingText()
+{
+    const QScopedValueRollback<bool> keep(m_keepText, true);
+    return m_dataLink.Edit();
+}
+
 void TDBEditEnh::EditAfterChange()
 {
-    bool editing = false;
-    {
-        const QScopedValueRollback<bool> keep(m_keepText, true);
-        editing = m_dataLink.Edit();
-    }
-    if (!editing) {
+    if (!EditKeepingText()) {
         QApplication::beep();
         m_dataLink.Reset();
         return;

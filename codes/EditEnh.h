@@ -158,6 +158,9 @@ protected:
 private:
     void DataChange();
     void UpdateData();
+    // Puts the dataset in edit mode (AutoEdit permitting) without showing the record again;
+    // whether the link is now editing.
+    bool EditKeepingText();
     // A user's change that came without a key (a paste from the menu, a drop) while the dataset
     // is not in edit mode: edit and keep the change, or drop it when the dataset cannot be edited.
     void EditAfterChange();
@@ -165,7 +168,7 @@ private:
     TFieldDataLink m_dataLink;
     // The text is being set from the field.
     bool m_dataChanging = false;
-    // The edit keeps its text while the dataset enters edit mode.
+    // The edit keeps its text while the dataset enters edit mode for the user's change.
     bool m_keepText = false;
 };
 
