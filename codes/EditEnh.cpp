@@ -276,12 +276,10 @@ void TEditEnh::DoExit()
 
 void TEditEnh::TextChanged()
 {
-    if (!m_silent) {
-        if (!m_entered) {
-            // A value set by the program while the edit shows its value formatted.
-            m_editText = text();
-            SetShownText(DisplayTextOf(m_editText));
-        }
+    if (!m_silent && !m_entered) {
+        // A value set by the program while the edit shows its value formatted.
+        m_editText = text();
+        SetShownText(DisplayTextOf(m_editText));
     }
     m_lastText = text();
     if (m_silent)

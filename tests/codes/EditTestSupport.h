@@ -10,6 +10,24 @@
 
 namespace edittest {
 
+// A window with Control between two plain line edits, for Tab and clicks to move between them.
+template<typename Control>
+struct Between
+{
+    QWidget window;
+    QLineEdit *before = new QLineEdit(&window);
+    Control *control = new Control(&window);
+    QLineEdit *after = new QLineEdit(&window);
+
+    Between()
+    {
+        window.resize(300, 120);
+        before->setGeometry(10, 10, 100, 22);
+        control->move(10, 45);
+        after->setGeometry(10, 80, 100, 22);
+    }
+};
+
 // Shows Window as the active window, so that clicks and Tab move a real focus.
 inline bool activate(QWidget &window)
 {

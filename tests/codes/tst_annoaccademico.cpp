@@ -13,21 +13,14 @@ using namespace edittest;
 
 namespace {
 
-struct Form
+struct Form : Between<TAnnoAccademico>
 {
-    QWidget window;
-    QLineEdit *before = new QLineEdit(&window);
-    TAnnoAccademico *anno = new TAnnoAccademico(&window);
-    QLineEdit *after = new QLineEdit(&window);
+    TAnnoAccademico *anno = control;
     TClientDataSet ds;
     TDataSource source;
 
     Form()
     {
-        window.resize(300, 120);
-        before->setGeometry(10, 10, 100, 22);
-        anno->move(10, 45);
-        after->setGeometry(10, 80, 100, 22);
         ds.FieldDefs().Add(QStringLiteral("ID"), ftInteger);
         ds.FieldDefs().Add(QStringLiteral("ANNO"), ftInteger);
         ds.CreateDataSet();

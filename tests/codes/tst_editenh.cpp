@@ -11,30 +11,24 @@
 
 #include <QClipboard>
 #include <QMessageBox>
-#include <QVBoxLayout>
 
 using namespace mattoni;
 using namespace edittest;
 
 namespace {
 
-// The edit between two plain line edits, in a window of its own.
+// The edit between two line edits, counting its events.
 template<typename Edit>
-struct Form
+struct Form : Between<Edit>
 {
-    QWidget window;
-    QLineEdit *before = new QLineEdit(&window);
-    Edit *edit = new Edit(&window);
-    QLineEdit *after = new QLineEdit(&window);
+    Edit *edit = this->control;
     int changes = 0;
     int enters = 0;
     int exits = 0;
 
     Form()
     {
-        auto *layout = new QVBoxLayout(&window);
-        for (QWidget *w : {static_cast<QWidget *>(before), static_cast<QWidget *>(edit), static_cast<QWidget *>(after)})
-            layout->addWidget(w);
+        edit->resize(150, 22);
         edit->OnChange = [this](QObject *) { ++changes; };
         edit->OnEnter = [this](QObject *) { ++enters; };
         edit->OnExit = [this](QObject *) { ++exits; };

@@ -19,22 +19,15 @@ namespace {
 
 const char *const Connection = "tst_matricola";
 
-struct Form
+struct Form : Between<TMatricola>
 {
-    QWidget window;
-    QLineEdit *before = new QLineEdit(&window);
-    TMatricola *matricola = new TMatricola(&window);
-    QLineEdit *after = new QLineEdit(&window);
+    TMatricola *matricola = control;
     TClientDataSet ds;
     TDataSource source;
     QList<QObject *> exits;
 
     Form()
     {
-        window.resize(300, 120);
-        before->setGeometry(10, 10, 100, 22);
-        matricola->move(10, 45);
-        after->setGeometry(10, 80, 100, 22);
         matricola->OnExit = [this](QObject *sender) { exits.append(sender); };
         ds.setConnectionName(QLatin1String(Connection));
         ds.setCommandText(QStringLiteral("SELECT * FROM studenti ORDER BY id"));
