@@ -6,6 +6,8 @@
 #include "Strings.h"
 #include "TextUtils.h"
 
+#include <QScopedValueRollback>
+
 namespace mattoni {
 
 TMatricola::TMatricola(QWidget *parent)
@@ -87,6 +89,8 @@ TDBEditEnh *TMatricola::OwnEdit(QObject *sender) const
 void TMatricola::Normalize(TDBEditEnh *edit)
 {
     const qint32 value = StringValueToInt(Trim(edit->text()));
+    // The change this makes comes back through Change: its text is normalized already.
+    const QScopedValueRollback<bool> normalizing(m_normalizing, true);
     edit->setText(FormatFloat(edit->DisplayFormat(), value));
     edit->setColor(Color());
 }
@@ -102,7 +106,7 @@ void TMatricola::ExitEdit(QObject *Sender)
 void TMatricola::FormattaValori(QObject *Sender)
 {
     const TDataSource *source = DataSource();
-    if (!source || !source->DataSet() || source->DataSet()->State() != dsBrowse)
+    if (m_normalizing || !source || !source->DataSet() || source->DataSet()->State() != dsBrowse)
         return;
     if (TDBEditEnh *edit = OwnEdit(Sender))
         Normalize(edit);

@@ -76,6 +76,7 @@ private:
     void Change(QObject *Sender);
 
     TColor m_editColor = clWindow;
+    bool m_normalizing = false;
     TDBEditEnh *m_facolta;
     TDBEditEnh *m_corsoStudi;
     TDBEditEnh *m_matricola;
