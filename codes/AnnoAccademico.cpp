@@ -58,6 +58,7 @@ QLineEdit *TAnnoAccademico::CreateReadOnlyEdit(int width, int maxLength)
     auto *edit = new QLineEdit(ClientArea());
     edit->resize(width, 19);
     edit->setFrame(false);
+    RemoveInnerMargin(edit);
     edit->setMaxLength(maxLength);
     edit->setReadOnly(true);
     edit->setFocusPolicy(Qt::ClickFocus);

@@ -49,7 +49,16 @@ bool changesText(const QKeyEvent *event)
     return event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Delete || !typedText(event).isEmpty();
 }
 
+// QLineEdit's fixed margin between its contents rectangle and the text, on either side.
+constexpr int LineEditMargin = 2;
+
 } // namespace
+
+void RemoveInnerMargin(QLineEdit *edit, bool remove)
+{
+    const int margin = remove ? -LineEditMargin : 0;
+    edit->setTextMargins(margin, 0, margin, 0);
+}
 
 // Refuses the user's edits that AcceptsInput refuses; QLineEdit then undoes them.
 class TEditEnh::Validator : public QValidator
@@ -79,6 +88,12 @@ TEditEnh::TEditEnh(QWidget *parent) : QLineEdit(parent), m_color(BkNormalColor)
 }
 
 TEditEnh::~TEditEnh() = default;
+
+void TEditEnh::setBorder(bool value)
+{
+    setFrame(value);
+    RemoveInnerMargin(this, !value);
+}
 
 void TEditEnh::setColor(TColor value)
 {
@@ -269,6 +284,7 @@ void TEditEnh::focusOutEvent(QFocusEvent *event)
 void TEditEnh::DoExit()
 {
     SetShownText(DisplayTextOf(m_editText));
+    setCursorPosition(0);
     UpdateColors();
     if (OnExit)
         OnExit(this);
@@ -280,6 +296,8 @@ void TEditEnh::TextChanged()
         // A value set by the program while the edit shows its value formatted.
         m_editText = text();
         SetShownText(DisplayTextOf(m_editText));
+        // Without the focus the text shows from its start, as far as the width allows.
+        setCursorPosition(0);
     }
     m_lastText = text();
     if (m_silent)

@@ -21,6 +21,10 @@ namespace mattoni {
 
 class TField;
 
+// Takes away the margin QLineEdit keeps inside its frame, for an edit drawn without one: the
+// library's composite controls size their borderless edits to the width of their digits.
+MATTONI_WIDGETS_EXPORT void RemoveInnerMargin(QLineEdit *edit, bool remove = true);
+
 class MATTONI_WIDGETS_EXPORT TEditEnh : public QLineEdit
 {
     Q_OBJECT
@@ -40,8 +44,9 @@ public:
     explicit TEditEnh(QWidget *parent = nullptr);
     ~TEditEnh() override;
 
+    // Without a border the text runs from edge to edge, with no inner margin either.
     bool Border() const { return hasFrame(); }
-    void setBorder(bool value) { setFrame(value); }
+    void setBorder(bool value);
     // The background while the edit is enabled, editable and without the focus; starts as the
     // scheme's BkNormalColor.
     TColor Color() const { return m_color; }
