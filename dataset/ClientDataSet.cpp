@@ -597,7 +597,6 @@ TField *TCustomClientDataSet::IndexFields(int index) const
 
 void TCustomClientDataSet::ApplyFilter()
 {
-    m_locateCaches.clear();
     detail::Predicate predicate;
     quint64 token = 0;
     if (Filtered()) {

@@ -25,8 +25,9 @@ TDataSetModel::TDataSetModel(QObject *parent) : QAbstractTableModel(parent), m_l
 
 TDataSetModel::~TDataSetModel()
 {
+    // The link leaves its source quietly: a model being destroyed resets nothing.
     Observe(nullptr);
-    m_link->setDataSource(nullptr);
+    m_link.reset();
 }
 
 TDataSource *TDataSetModel::DataSource() const

@@ -658,6 +658,46 @@ private slots:
                  QStringLiteral("Field 'INIZIALE' cannot be used in an index"));
     }
 
+    void parameters()
+    {
+        TParams params;
+        const QString sql = params.ParseSQL(
+            QStringLiteral("SELECT * FROM t WHERE a = :anno AND b = ':testo' AND c = :Anno AND d::int = :data_1"), true);
+        QCOMPARE(sql, QStringLiteral("SELECT * FROM t WHERE a = ? AND b = ':testo' AND c = ? AND d:int = ?"));
+        QCOMPARE(params.Count(), 2);
+        QCOMPARE(params[1]->Name(), QStringLiteral("data_1"));
+        TParam *anno = params.FindParam(QStringLiteral("ANNO"));
+        QVERIFY(anno && anno->IsNull() && !anno->Bound());
+        QCOMPARE(anno->ParamType(), ptInput);
+        anno->setValue(2013);
+        QCOMPARE(anno->DataType(), ftInteger);
+        QVERIFY(anno->Bound());
+        anno->setAsString(QStringLiteral("2014"));
+        QCOMPARE(anno->DataType(), ftString);
+        QCOMPARE(anno->AsInteger(), 2014);
+        anno->Clear();
+        QVERIFY(anno->IsNull());
+        QCOMPARE(anno->DataType(), ftString);
+        QCOMPARE(anno->AsString(), QString());
+        QCOMPARE(anno->AsFloat(), 0.0);
+        params[1]->setAsDate(38783);
+        QCOMPARE(params[1]->Value(), QVariant(QDate(2006, 3, 7)));
+        QCOMPARE(params[1]->AsDateTime(), 38783.0);
+        params[1]->setAsCurrency(Currency(1.5));
+        QCOMPARE(params[1]->AsCurrency(), Currency(1.5));
+        QCOMPARE(params[1]->DataType(), ftCurrency);
+        params.setParamValues(QStringLiteral("anno;data_1"), QVariantList{1, 2});
+        QCOMPARE(params.ParamValues(QStringLiteral("DATA_1;anno")), QVariant(QVariantList{2, 1}));
+        TParams copy;
+        copy.Assign(params);
+        QCOMPARE(copy.ParamByName(QStringLiteral("anno"))->Value(), QVariant(1));
+        params.ParamByName(QStringLiteral("anno"))->setAsInteger(5);
+        copy.AssignValues(params);
+        QCOMPARE(copy.ParamByName(QStringLiteral("anno"))->AsInteger(), 5);
+        anno->setAsString(QStringLiteral("dieci"));
+        QVERIFY_THROWS_EXCEPTION(EVariantError, anno->AsInteger());
+    }
+
     void objectFieldsFromDefinitions()
     {
         TClientDataSet ds;
