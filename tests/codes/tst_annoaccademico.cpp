@@ -104,6 +104,22 @@ private slots:
         QCOMPARE(f.field()->Value(), stored);
     }
 
+    void textThatIsNoYearRaises()
+    {
+        PostedErrors posted;
+        Form f;
+        QVERIFY(activate(f.window));
+        QTest::mouseClick(f.anno->EditAnno(), Qt::LeftButton);
+        QTest::keyClick(focused(), Qt::Key_A, Qt::ControlModifier);
+        typeIn(QStringLiteral("-"));
+        QTRY_COMPARE(posted.errors.size(), 1);
+        QCOMPARE(posted.message(0), QStringLiteral("'-' is not a valid integer value"));
+        tab();
+        QTRY_COMPARE(posted.errors.size(), 2);
+        QVERIFY_THROWS_EXCEPTION(EConvertError, std::rethrow_exception(posted.errors.at(1)));
+        QTRY_COMPARE(focused(), f.anno->EditAnno());
+    }
+
     void focusGoesToTheFirstYear()
     {
         Form f;

@@ -175,9 +175,18 @@ private slots:
         QVERIFY(!f.matricola->TabStopFacolta());
         QCOMPARE(f.edit(1)->x(), 0);
         QCOMPARE(f.edit(2)->x(), 50);
+        int enters = 0;
+        f.matricola->OnEnter = [&enters](QObject *) { ++enters; };
         QTest::mouseClick(f.before, Qt::LeftButton);
         tab();
         QCOMPARE(focused(), f.edit(1));
+        tab();
+        QCOMPARE(focused(), f.edit(2));
+        QCOMPARE(enters, 1);
+        tab();
+        tab(true);
+        QCOMPARE(enters, 2);
+        tab(true);
         tab(true);
         QCOMPARE(focused(), f.before);
     }
