@@ -36,22 +36,10 @@ inline bool activate(QWidget &window)
     return QTest::qWaitForWindowActive(&window);
 }
 
-inline QWidget *focused()
-{
-    return QApplication::focusWidget();
-}
-
-// Tab, or Shift+Tab, pressed where the focus is.
-inline void tab(bool back = false)
-{
-    QTest::keyClick(focused(), Qt::Key_Tab, back ? Qt::ShiftModifier : Qt::NoModifier);
-}
-
-// Typed where the focus is.
-inline void typeIn(const QString &text)
-{
-    QTest::keyClicks(focused(), text);
-}
+inline QWidget *focused() { return QApplication::focusWidget(); }
+// Tab, or Shift+Tab, and text typed where the focus is.
+inline void tab(bool back = false) { QTest::keyClick(focused(), Qt::Key_Tab, back ? Qt::ShiftModifier : Qt::NoModifier); }
+inline void typeIn(const QString &text) { QTest::keyClicks(focused(), text); }
 
 // Collects what the controls hand to OnControlException while it lives.
 class PostedErrors
@@ -65,8 +53,7 @@ public:
         };
     }
     ~PostedErrors() { mattoni::OnControlException = nullptr; }
-    PostedErrors(const PostedErrors &) = delete;
-    PostedErrors &operator=(const PostedErrors &) = delete;
+    Q_DISABLE_COPY(PostedErrors)
 
     QString message(int index) const
     {
