@@ -766,43 +766,36 @@ QVariantList TCustomClientDataSet::KeyForIndex(const QVariantList &buffer) const
     return key;
 }
 
-bool TCustomClientDataSet::FindInView(const QVariantList &key, bool exact, RecordId &found) const
+bool TCustomClientDataSet::GotoKeyRecord(bool exact)
 {
+    if (State() == dsSetKey)
+        Post();
+    CheckBrowseMode();
+    if (!m_store->ActiveIndex())
+        return false;
+    const QVariantList key = KeyForIndex(m_key);
     const auto &view = m_store->View();
     auto it = std::lower_bound(view.begin(), view.end(), 0,
                                [&](detail::RecordId id, int) { return m_store->CompareKey(id, key) < 0; });
-    if (exact) {
-        if (it == view.end() || m_store->CompareKey(*it, key) != 0)
-            return false;
-    } else if (it == view.end()) {
+    if (exact && (it == view.end() || m_store->CompareKey(*it, key) != 0))
+        return false;
+    if (it == view.end()) {
         if (view.empty())
             return false;
         --it;
     }
-    found = *it;
+    MoveToRecord(*it);
     return true;
 }
 
 bool TCustomClientDataSet::GotoKey()
 {
-    if (State() == dsSetKey)
-        Post();
-    CheckBrowseMode();
-    RecordId found = NoRecord;
-    if (!m_store->ActiveIndex() || !FindInView(KeyForIndex(m_key), true, found))
-        return false;
-    MoveToRecord(found);
-    return true;
+    return GotoKeyRecord(true);
 }
 
 void TCustomClientDataSet::GotoNearest()
 {
-    if (State() == dsSetKey)
-        Post();
-    CheckBrowseMode();
-    RecordId found = NoRecord;
-    if (m_store->ActiveIndex() && FindInView(KeyForIndex(m_key), false, found))
-        MoveToRecord(found);
+    GotoKeyRecord(false);
 }
 
 void TCustomClientDataSet::AssignKey(const QVariantList &keyValues)

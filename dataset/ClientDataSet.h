@@ -134,7 +134,8 @@ private:
     void SwitchIndex(detail::Index *index);
     void ActivateIndexSetting();
     void ApplyFilter();
-    bool FindInView(const QVariantList &key, bool exact, RecordId &found) const;
+    // Moves to the first record at the key (Exact) or at or after it (else the last one).
+    bool GotoKeyRecord(bool exact);
     QVariantList KeyForIndex(const QVariantList &buffer) const;
     void KeyMode(bool keep);
     void AssignKey(const QVariantList &keyValues);

@@ -1,5 +1,6 @@
 // The helpers over the data layer: SQL literals of parameters and fields, field and parameter
 // helpers, the integer sort, random passwords and parameter arrays.
+#include "../dataset/DataTestSupport.h"
 #include "Ambiente.h"
 #include "ClientDataSet.h"
 #include "DataHelpers.h"
@@ -12,18 +13,9 @@
 #include <QtTest>
 
 using namespace mattoni;
+using datatest::errorOf;
 
 namespace {
-
-QString errorOf(const std::function<void()> &f)
-{
-    try {
-        f();
-    } catch (const Exception &e) {
-        return e.Message();
-    }
-    return QString();
-}
 
 const TDateTime March7 = 38783; // 2006-03-07
 

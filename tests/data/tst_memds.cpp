@@ -1,37 +1,20 @@
 // The memory table: opening, emptying, sorting on fields, and its three structure copies, from
 // datasets filled from an SQLite file and from field definitions.
-#include "Exceptions.h"
+#include "../dataset/DataTestSupport.h"
 #include "FormatSettings.h"
 #include "MemDS.h"
 
-#include <QSqlDatabase>
-#include <QSqlQuery>
-#include <QTemporaryDir>
 #include <QtTest>
 
+#include <memory>
+
 using namespace mattoni;
+using datatest::column;
+using datatest::errorOf;
 
 namespace {
 
 const char *const Connection = "tst_memds";
-
-QString errorOf(const std::function<void()> &f)
-{
-    try {
-        f();
-    } catch (const Exception &e) {
-        return e.Message();
-    }
-    return QString();
-}
-
-QStringList column(TDataSet &ds, const QString &field)
-{
-    QStringList values;
-    for (ds.First(); !ds.Eof(); ds.Next())
-        values.append(ds.FieldByName(field)->AsString());
-    return values;
-}
 
 } // namespace
 
@@ -40,7 +23,7 @@ class tst_MemDS : public QObject
     Q_OBJECT
 
 private:
-    QTemporaryDir m_dir;
+    std::unique_ptr<datatest::SqliteFile> m_file;
 
     // Fields of every kind the copies look at, over an SQLite table.
     void openSource(TClientDataSet &source)
@@ -64,21 +47,14 @@ private:
 private slots:
     void initTestCase()
     {
-        QVERIFY(m_dir.isValid());
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QLatin1String(Connection));
-        db.setDatabaseName(m_dir.filePath(QStringLiteral("tasse.sqlite")));
-        QVERIFY(db.open());
-        QSqlQuery q(db);
-        QVERIFY(q.exec(QStringLiteral("CREATE TABLE tasse (codice INTEGER, descrizione VARCHAR(40), importo DOUBLE, scadenza TEXT)")));
-        QVERIFY(q.exec(QStringLiteral("INSERT INTO tasse VALUES (2, 'Seconda rata', 450.5, '2013-12-31'), "
-                                      "(1, 'Prima rata', 500, '2013-10-31'), (3, 'Mora', 25, NULL)")));
+        m_file = std::make_unique<datatest::SqliteFile>(QLatin1String(Connection), QStringList{
+            "CREATE TABLE tasse (codice INTEGER, descrizione VARCHAR(40), importo DOUBLE, scadenza TEXT)",
+            "INSERT INTO tasse VALUES (2, 'Seconda rata', 450.5, '2013-12-31'), (1, 'Prima rata', 500, '2013-10-31'), "
+            "(3, 'Mora', 25, NULL)"});
+        QCOMPARE(m_file->Error(), QString());
     }
 
-    void cleanupTestCase()
-    {
-        QSqlDatabase::database(QLatin1String(Connection)).close();
-        QSqlDatabase::removeDatabase(QLatin1String(Connection));
-    }
+    void cleanupTestCase() { m_file.reset(); }
 
     void init() { FormatSettings = TFormatSettings::Italian(); }
 

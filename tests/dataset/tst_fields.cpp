@@ -1,6 +1,7 @@
 // Fields and field definitions: conversions between the typed accessors with the library's
 // formatting rules and errors, texts for showing and editing, events, and the structure checks.
 #include "ClientDataSet.h"
+#include "DataTestSupport.h"
 #include "Exceptions.h"
 #include "FormatSettings.h"
 #include "Variants.h"
@@ -8,18 +9,9 @@
 #include <QtTest>
 
 using namespace mattoni;
+using datatest::errorOf;
 
 namespace {
-
-QString errorOf(const std::function<void()> &f)
-{
-    try {
-        f();
-    } catch (const Exception &e) {
-        return e.Message();
-    }
-    return QString();
-}
 
 // One record in insert mode with a field of each kind the tests need.
 struct Record
