@@ -51,7 +51,7 @@ void tst_ThdTimer::ticksOnTheMainThread()
     int ticks = 0;
     timer.OnTimer = [&](QObject *sender) {
         QCOMPARE(sender, &timer);
-        QCOMPARE(QThread::currentThread(), qApp->thread());
+        QCOMPARE(QThread::currentThread(), QCoreApplication::instance()->thread());
         ++ticks;
     };
     timer.setThreadPriority(tpLower);
