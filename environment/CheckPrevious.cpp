@@ -54,8 +54,9 @@ qint64 effectiveUidOf(const QString &pid)
     QFile status(QStringLiteral("/proc/%1/status").arg(pid));
     if (!status.open(QIODevice::ReadOnly))
         return -1;
-    while (!status.atEnd()) {
-        const QByteArray line = status.readLine();
+    // Files of /proc tell a size of 0, so atEnd() cannot be trusted: read them whole.
+    const QList<QByteArray> lines = status.readAll().split('\n');
+    for (const QByteArray &line : lines) {
         if (line.startsWith("Uid:")) {
             const QList<QByteArray> fields = line.mid(4).simplified().split(' ');
             bool ok = false;
@@ -246,6 +247,9 @@ bool isLiveCopyWindow(const XConnection &x, xcb_window_t window)
     const QList<quint32> pid = x.Property(window, x.Atom("_NET_WM_PID"));
     if (pid.isEmpty())
         return true;
+    // The X server reuses the ids of a client that went away: the window may now be one of ours.
+    if (pid.first() == quint32(getpid()))
+        return false;
     return isCopy(QString::number(pid.first()), fileNameOf(ownExecutable()), GetCurrentUserName());
 }
 
