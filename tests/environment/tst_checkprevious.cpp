@@ -32,6 +32,8 @@ public:
                     _exit(126);
             });
         }
+        // A sanitizer's report in a copy shows in the test's log.
+        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         m_process.start(program, arguments);
     }
     ~Copy()
@@ -53,15 +55,26 @@ public:
         return QString::fromLocal8Bit(m_process.readLine()).trimmed();
     }
     QProcess &Process() { return m_process; }
+    // The exit code once the copy has ended by itself; -1 when it does not end.
+    int ExitCode()
+    {
+        m_process.closeWriteChannel();
+        if (!m_process.waitForFinished(10000) || m_process.exitStatus() != QProcess::NormalExit)
+            return -1;
+        return m_process.exitCode();
+    }
 
 private:
     QProcess m_process;
 };
 
+// The one line a copy answers, or its exit code when it fails.
 QString runOnce(const QStringList &arguments, bool asNobody = false)
 {
     Copy copy(arguments, asNobody);
-    return copy.Line();
+    const QString line = copy.Line();
+    const int code = copy.ExitCode();
+    return code == 0 ? line : QStringLiteral("exit code %1").arg(code);
 }
 
 // The record as a file of the shared-memory file system.
@@ -123,6 +136,10 @@ void tst_CheckPrevious::copiesPerUser()
         running.push_back(std::make_unique<Copy>(QStringList{"wait"}, true));
     for (auto &copy : running)
         QCOMPARE(copy->Line(), QStringLiteral("ready"));
+    const auto ended = qScopeGuard([&] {
+        for (auto &copy : running)
+            QCOMPARE(copy->ExitCode(), 0);
+    });
 
     // Ours: the two waiting copies and the asking one.
     QCOMPARE(runOnce({"count", "1"}), QStringLiteral("too many"));
@@ -155,6 +172,7 @@ void tst_CheckPrevious::recordName()
     const QString program = deep + QStringLiteral("/instance_copy");
     QVERIFY(QFile::copy(QStringLiteral(INSTANCE_COPY), program));
     Copy copy({"name", "x"}, false, program);
+    const auto ended = qScopeGuard([&] { QCOMPARE(copy.ExitCode(), 0); });
     QString escapedDeep = program;
     escapedDeep.replace(QLatin1String("%"), QLatin1String("%25")).replace(QLatin1String("/"), QLatin1String("%2F"));
     const QString hash = QString::fromLatin1(QCryptographicHash::hash(escapedDeep.toLocal8Bit(), QCryptographicHash::Sha1).toHex());
@@ -206,6 +224,7 @@ void tst_CheckPrevious::restoresTheFirstCopy()
         Copy second({"second", qualifier});
         QCOMPARE(second.Line(), QStringLiteral("found"));
         QCOMPARE(second.Line(), QStringLiteral("refresh refused"));
+        QCOMPARE(second.ExitCode(), 0);
         QCOMPARE(first.Line(), QStringLiteral("restored"));
         QVERIFY(first.Process().waitForFinished(5000));
         QCOMPARE(first.Process().exitCode(), 0);
@@ -232,6 +251,7 @@ void tst_CheckPrevious::recordOfAKilledCopy()
         Copy next({"second", qualifier});
         QCOMPARE(next.Line(), QStringLiteral("registered"));
         QCOMPARE(next.Line(), QStringLiteral("refresh stored"));
+        QCOMPARE(next.ExitCode(), 0);
     }
     QVERIFY(!QFile::exists(recordFile(name)));
 }
