@@ -59,6 +59,7 @@ QWidget *preview(const KindSample &s)
     auto *image = new QLabel;
     image->setPixmap(shot);
     image->setFrameShape(QFrame::Box);
+    image->setFixedSize(shot.size() + QSize(2, 2));
     layout->addWidget(image);
     return frame;
 }
