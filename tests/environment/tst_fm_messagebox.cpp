@@ -204,22 +204,17 @@ void tst_fmMessageBox::boxes_data()
 
     QTest::newRow("YesNoCancel Si") << "BoxYesNoCancel" << int(ClickThird) << "SCELTA" << mrYes;
     QTest::newRow("YesNoCancel No") << "BoxYesNoCancel" << int(ClickSecond) << "SCELTA" << mrNo;
-    QTest::newRow("YesNoCancel Annulla") << "BoxYesNoCancel" << int(ClickFirst) << "SCELTA" << mrCancel;
     QTest::newRow("YesNoCancel Escape") << "BoxYesNoCancel" << int(PressEscape) << "SCELTA" << mrCancel;
     QTest::newRow("YesNoCancel close box") << "BoxYesNoCancel" << int(CloseBox) << "SCELTA" << mrCancel;
     QTest::newRow("Conferma Enter") << "BoxConferma" << int(PressEnter) << "CONFERMA" << 1;
     QTest::newRow("Conferma Escape") << "BoxConferma" << int(PressEscape) << "CONFERMA" << 0;
-    QTest::newRow("Conferma No") << "BoxConferma" << int(ClickSecond) << "CONFERMA" << 0;
     QTest::newRow("Conferma close box") << "BoxConferma" << int(CloseBox) << "CONFERMA" << 0;
     QTest::newRow("Attenzione OK") << "BoxAttenzione" << int(ClickThird) << "ATTENZIONE" << 1;
     QTest::newRow("Attenzione Annulla") << "BoxAttenzione" << int(ClickSecond) << "ATTENZIONE" << 0;
-    QTest::newRow("Attenzione Escape") << "BoxAttenzione" << int(PressEscape) << "ATTENZIONE" << 0;
-    QTest::newRow("Errore Enter") << "BoxErrore" << int(PressEnter) << "ERRORE" << 0;
     QTest::newRow("Errore close box") << "BoxErrore" << int(CloseBox) << "ERRORE" << 0;
     QTest::newRow("Informazione OK") << "BoxInformazione" << int(ClickSecond) << "INFORMAZIONE" << 0;
     QTest::newRow("InformazioneLink Enter") << "BoxInformazioneLink" << int(PressEnter) << "INFORMAZIONE" << 0;
     QTest::newRow("DownloadLink Aggiorna") << "BoxDownloadLink" << int(ClickThird) << "DOWNLOAD" << 1;
-    QTest::newRow("DownloadLink Enter") << "BoxDownloadLink" << int(PressEnter) << "DOWNLOAD" << 1;
     QTest::newRow("DownloadLink Escape") << "BoxDownloadLink" << int(PressEscape) << "DOWNLOAD" << 0;
 }
 

@@ -206,8 +206,7 @@ void tst_Version::targetOSNames()
 
 void tst_Version::damagedImages()
 {
-    // Every truncation of the sample, and the sample with each byte of its headers and resource
-    // tree flipped: never a crash or a read past the end (the sanitizer build watches), and a
+    // Every truncation of the sample: never a read past the end (the sanitizer build watches), and a
     // resource only when the tree still leads to a whole one.
     QFile f(sample());
     QVERIFY(f.open(QIODevice::ReadOnly));
@@ -219,13 +218,9 @@ void tst_Version::damagedImages()
         const QByteArray found = TVersionResource::ExtractFromPE(cut);
         QVERIFY2(found.isEmpty() || found == block, qPrintable(QString::number(n)));
     }
-    for (qsizetype at = 0; at < 0x258; ++at) {
-        QByteArray damaged = image;
-        damaged[at] = char(damaged.at(at) ^ 0xFF);
-        TVersionResource::ExtractFromPE(damaged);
-        TVersionResource resource;
-        resource.LoadFromData(damaged.mid(0x258));
-    }
+    // Each byte of the headers and the resource tree flipped: offsets anywhere, sizes of any kind.
+    for (qsizetype at = 0; at < 0x258; ++at)
+        TVersionResource::ExtractFromPE(QByteArray(image).replace(at, 1, QByteArray(1, char(image.at(at) ^ 0xFF))));
     TVersionResource resource;
     QVERIFY(!resource.LoadFromData(QByteArray("MZ not a resource")));
     QVERIFY(!resource.IsValid());
