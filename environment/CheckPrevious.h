@@ -12,7 +12,7 @@
 #include "mattoni_widgets_export.h"
 
 #include <QString>
-#include <QWindow>
+#include <QtGui/qwindowdefs.h>
 
 namespace mattoni {
 
