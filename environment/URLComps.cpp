@@ -1,18 +1,26 @@
 // The web and mail buttons.
 #include "URLComps.h"
 
+#include "Fields.h"
+
 #include <QDesktopServices>
 
 namespace mattoni {
 
 TLinkSpeedButton::TLinkSpeedButton(QWidget *parent)
     : QToolButton(parent)
+    , m_dataLink(std::make_unique<TFieldDataLink>())
 {
     setAutoRaise(true);
     setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     setFocusPolicy(Qt::NoFocus); // a speed button never takes the focus
     connect(this, &QToolButton::clicked, this, [this] { QDesktopServices::openUrl(TargetUrl()); });
+    m_dataLink->setControl(this);
+    m_dataLink->OnDataChange = [this](TFieldDataLink *) { takeFieldText(); };
+    m_dataLink->OnActiveChange = [this](TFieldDataLink *) { takeFieldText(); };
 }
+
+TLinkSpeedButton::~TLinkSpeedButton() = default;
 
 bool TLinkSpeedButton::setAddress(const QString &value)
 {
@@ -20,6 +28,46 @@ bool TLinkSpeedButton::setAddress(const QString &value)
         return false;
     m_address = value;
     return true;
+}
+
+TDataSource *TLinkSpeedButton::DataSource() const
+{
+    return m_dataLink->DataSource();
+}
+
+void TLinkSpeedButton::setDataSource(TDataSource *value)
+{
+    if (DataSource() == value)
+        return;
+    m_dataLink->setDataSource(value);
+    takeFieldText();
+    emit DataSourceChanged();
+}
+
+QString TLinkSpeedButton::DataField() const
+{
+    return m_dataLink->FieldName();
+}
+
+void TLinkSpeedButton::setDataField(const QString &value)
+{
+    if (DataField() == value)
+        return;
+    m_dataLink->setFieldName(value);
+    takeFieldText();
+    emit DataFieldChanged();
+}
+
+// A bound button (DataSource and DataField set) follows the field of the current record and has no
+// address while there is no field (a closed dataset, an unknown name). An unbound button keeps the
+// address given in code.
+void TLinkSpeedButton::takeFieldText()
+{
+    if (!DataSource() || DataField().isEmpty())
+        return;
+    TField *field = m_dataLink->Field();
+    if (setAddress(field ? field->Text() : QString()))
+        addressChanged();
 }
 
 TURLSpeedButton::TURLSpeedButton(QWidget *parent)
@@ -31,7 +79,7 @@ TURLSpeedButton::TURLSpeedButton(QWidget *parent)
 void TURLSpeedButton::setURL(const QString &value)
 {
     if (setAddress(value))
-        emit URLChanged();
+        addressChanged();
 }
 
 QUrl TURLSpeedButton::TargetUrl() const
@@ -48,7 +96,7 @@ TMAILSpeedButton::TMAILSpeedButton(QWidget *parent)
 void TMAILSpeedButton::setMAIL(const QString &value)
 {
     if (setAddress(value))
-        emit MAILChanged();
+        addressChanged();
 }
 
 QUrl TMAILSpeedButton::TargetUrl() const

@@ -1,6 +1,8 @@
 // The message dialog on a real X server: each kind's buttons, captions, default and cancel; the
 // Box... functions answered with a mouse click, Enter, Escape or the window's close box; the web
-// and mail buttons through the desktop's URL handlers; long messages and the colour scheme.
+// and mail buttons through the desktop's URL handlers, also bound to the fields of a dataset; long
+// messages and the colour scheme.
+#include "ClientDataSet.h"
 #include "Graphics.h"
 #include "fm_MessageBox.h"
 #include "usrconf.h"
@@ -112,6 +114,7 @@ private slots:
     void boxes();
     void addressButtons_data();
     void addressButtons();
+    void boundButtons();
     void longMessageScrolls();
     void looks();
     void minimisingTakesTheApplication();
@@ -305,6 +308,59 @@ void tst_fmMessageBox::addressButtons()
     for (const QUrl &u : std::as_const(m_urls.urls))
         urls << u.toString();
     QCOMPARE(urls, opened);
+}
+
+void tst_fmMessageBox::boundButtons()
+{
+    TClientDataSet ds;
+    ds.FieldDefs().Add(QStringLiteral("SITO"), ftString, 60);
+    ds.FieldDefs().Add(QStringLiteral("EMAIL"), ftString, 60);
+    ds.CreateDataSet();
+    ds.AppendRecord({QStringLiteral("www.unipr.it"), QStringLiteral("segreteria@unipr.it")});
+    ds.AppendRecord({QStringLiteral("https://www.unibo.it"), QStringLiteral("info@unibo.it")});
+    ds.First();
+    TDataSource source;
+    source.setDataSet(&ds);
+
+    QWidget form;
+    auto *web = new TURLSpeedButton(&form);
+    auto *mail = new TMAILSpeedButton(&form);
+    mail->move(0, 30);
+    web->setDataField(QStringLiteral("SITO"));
+    web->setDataSource(&source);
+    mail->setDataSource(&source);
+    mail->setDataField(QStringLiteral("EMAIL"));
+    form.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&form));
+
+    QSignalSpy urlChanges(web, &TURLSpeedButton::URLChanged);
+    auto clickBoth = [&] {
+        m_urls.urls.clear();
+        QTest::mouseClick(web, Qt::LeftButton);
+        QTest::mouseClick(mail, Qt::LeftButton);
+        QStringList urls;
+        for (const QUrl &u : std::as_const(m_urls.urls))
+            urls << u.toString();
+        return urls;
+    };
+    QCOMPARE(clickBoth(), QStringList({"http://www.unipr.it", "mailto:segreteria@unipr.it"}));
+    ds.Next();
+    QCOMPARE(web->URL(), QStringLiteral("https://www.unibo.it"));
+    QCOMPARE(clickBoth(), QStringList({"https://www.unibo.it", "mailto:info@unibo.it"}));
+    ds.Edit();
+    ds.FieldByName(QStringLiteral("EMAIL"))->setAsString(QStringLiteral("urp@unibo.it"));
+    ds.Post();
+    QCOMPARE(mail->MAIL(), QStringLiteral("urp@unibo.it"));
+    QCOMPARE(urlChanges.count(), 1);
+    // No field, no address; unbound, the address given in code stays.
+    ds.Close();
+    QCOMPARE(web->URL(), QString());
+    web->setDataSource(nullptr);
+    web->setURL(QStringLiteral("www.ateneo.it"));
+    ds.CreateDataSet();
+    ds.AppendRecord({QStringLiteral("www.unife.it"), QStringLiteral("info@unife.it")});
+    QCOMPARE(web->URL(), QStringLiteral("www.ateneo.it"));
+    QCOMPARE(mail->MAIL(), QStringLiteral("info@unife.it"));
 }
 
 void tst_fmMessageBox::longMessageScrolls()
