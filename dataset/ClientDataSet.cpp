@@ -296,6 +296,7 @@ void TCustomClientDataSet::InternalInitFieldDefs()
 void TCustomClientDataSet::EmptyDataSet()
 {
     CheckBrowseMode();
+    NotifyRowsAboutToBeReset();
     m_store->Clear();
     ++m_storeSerial;
     m_locateCaches.clear();
@@ -338,7 +339,7 @@ QVariant TCustomClientDataSet::StoredValue(RecordId id, int column) const
     return m_store->Value(id, column);
 }
 
-void TCustomClientDataSet::AssignAutoIncrements(QVariantList &values)
+void TCustomClientDataSet::PrepareRecord(QVariantList &values, bool)
 {
     for (int c = 0; c < m_store->ColumnCount(); ++c) {
         if (m_store->ColumnAt(c).Type() != ftAutoInc)
@@ -351,11 +352,14 @@ void TCustomClientDataSet::AssignAutoIncrements(QVariantList &values)
     }
 }
 
+int TCustomClientDataSet::PredictPosition(const QVariantList &values, RecordId before, RecordId self)
+{
+    return m_store->PredictPosition(values, before, self);
+}
+
 TDataSet::RecordId TCustomClientDataSet::InternalInsert(const QVariantList &values, RecordId before)
 {
-    QVariantList record = values;
-    AssignAutoIncrements(record);
-    return m_store->Insert(record, before);
+    return m_store->Insert(values, before);
 }
 
 void TCustomClientDataSet::InternalUpdate(RecordId id, const QVariantList &values)
@@ -429,7 +433,12 @@ void TCustomClientDataSet::SwitchIndex(Index *index)
 {
     CheckBrowseMode();
     NotifyRowsAboutToBeReordered();
-    m_store->SetActiveIndex(index);
+    try {
+        m_store->SetActiveIndex(index);
+    } catch (...) {
+        NotifyRowsReordered();
+        throw;
+    }
     Touch();
     NotifyRowsReordered();
     Resync();
@@ -588,7 +597,6 @@ TField *TCustomClientDataSet::IndexFields(int index) const
 
 void TCustomClientDataSet::ApplyFilter()
 {
-    m_locateCaches.clear();
     detail::Predicate predicate;
     quint64 token = 0;
     if (Filtered()) {
@@ -758,43 +766,36 @@ QVariantList TCustomClientDataSet::KeyForIndex(const QVariantList &buffer) const
     return key;
 }
 
-bool TCustomClientDataSet::FindInView(const QVariantList &key, bool exact, RecordId &found) const
+bool TCustomClientDataSet::GotoKeyRecord(bool exact)
 {
+    if (State() == dsSetKey)
+        Post();
+    CheckBrowseMode();
+    if (!m_store->ActiveIndex())
+        return false;
+    const QVariantList key = KeyForIndex(m_key);
     const auto &view = m_store->View();
     auto it = std::lower_bound(view.begin(), view.end(), 0,
                                [&](detail::RecordId id, int) { return m_store->CompareKey(id, key) < 0; });
-    if (exact) {
-        if (it == view.end() || m_store->CompareKey(*it, key) != 0)
-            return false;
-    } else if (it == view.end()) {
+    if (exact && (it == view.end() || m_store->CompareKey(*it, key) != 0))
+        return false;
+    if (it == view.end()) {
         if (view.empty())
             return false;
         --it;
     }
-    found = *it;
+    MoveToRecord(*it);
     return true;
 }
 
 bool TCustomClientDataSet::GotoKey()
 {
-    if (State() == dsSetKey)
-        Post();
-    CheckBrowseMode();
-    RecordId found = NoRecord;
-    if (!m_store->ActiveIndex() || !FindInView(KeyForIndex(m_key), true, found))
-        return false;
-    MoveToRecord(found);
-    return true;
+    return GotoKeyRecord(true);
 }
 
 void TCustomClientDataSet::GotoNearest()
 {
-    if (State() == dsSetKey)
-        Post();
-    CheckBrowseMode();
-    RecordId found = NoRecord;
-    if (m_store->ActiveIndex() && FindInView(KeyForIndex(m_key), false, found))
-        MoveToRecord(found);
+    GotoKeyRecord(false);
 }
 
 void TCustomClientDataSet::AssignKey(const QVariantList &keyValues)

@@ -118,7 +118,9 @@ protected:
     void UpdateIndexDefs() override;
     bool LocateRecord(const QList<TField *> &fields, const QVariantList &values, TLocateOptions options,
                       RecordId &found) override;
+    void PrepareRecord(QVariantList &values, bool inserting) override;
     void CheckRecord(const QVariantList &values, RecordId self) const override;
+    int PredictPosition(const QVariantList &values, RecordId before, RecordId self) override;
     void InternalPostKey(const QVariantList &key, bool commit) override;
     TBookmark MakeBookmark(RecordId id) const override;
     RecordId BookmarkRecord(const TBookmark &bookmark) const override;
@@ -132,8 +134,8 @@ private:
     void SwitchIndex(detail::Index *index);
     void ActivateIndexSetting();
     void ApplyFilter();
-    void AssignAutoIncrements(QVariantList &values);
-    bool FindInView(const QVariantList &key, bool exact, RecordId &found) const;
+    // Moves to the first record at the key (Exact) or at or after it (else the last one).
+    bool GotoKeyRecord(bool exact);
     QVariantList KeyForIndex(const QVariantList &buffer) const;
     void KeyMode(bool keep);
     void AssignKey(const QVariantList &keyValues);

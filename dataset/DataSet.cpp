@@ -136,7 +136,6 @@ void TDataSet::setActive(bool value)
     DestroyDefaultFields();
     UnbindFields();
     Touch();
-    NotifyRowsReset();
     if (AfterClose)
         AfterClose(this);
 }
@@ -165,7 +164,6 @@ void TDataSet::OpenCursor()
     else
         SetCurrent(NoRecord, true, true);
     Touch();
-    NotifyRowsReset();
     SetState(dsBrowse);
 }
 
@@ -584,10 +582,14 @@ void TDataSet::StartInsert(bool append)
         m_insertBefore = m_current;
         m_insertRow = m_row;
     }
+    const int row = m_insertRow;
+    m_insertRow = -1;
+    NotifyRows([row](TDataSetRowObserver *o) { o->RowAboutToBeInserted(row); });
+    m_insertRow = row;
     m_buffer = QVariantList(StoredColumnCount());
     m_cursorContext = RecordContext{NoRecord, &m_buffer, &m_cursorCalc};
     InvalidateCalc();
-    NotifyRowInserted(m_insertRow);
+    NotifyRows([row](TDataSetRowObserver *o) { o->RowInserted(row); });
 }
 
 void TDataSet::EndInsertAppend()
@@ -633,11 +635,12 @@ void TDataSet::DiscardUnsaved()
 {
     if (m_insertRow >= 0) {
         const int row = m_insertRow;
+        NotifyRows([row](TDataSetRowObserver *o) { o->RowAboutToBeRemoved(row); });
         m_insertRow = -1;
         m_buffer.clear();
         m_cursorContext = RecordContext{m_current, nullptr, &m_cursorCalc};
         InvalidateCalc();
-        NotifyRowRemoved(row);
+        NotifyRows([row](TDataSetRowObserver *o) { o->RowRemoved(row); });
     } else if (m_state == dsEdit) {
         m_buffer.clear();
         m_cursorContext = RecordContext{m_current, nullptr, &m_cursorCalc};
@@ -682,57 +685,74 @@ void TDataSet::Post()
         BeforePost(this);
     CheckRequiredFields();
     CalculateInternalFields();
-    if (m_state == dsInsert) {
-        CheckRecord(m_buffer, NoRecord);
-        const RecordId id = InternalInsert(m_buffer, m_insertBefore);
-        const int oldRow = m_insertRow;
-        m_insertRow = -1;
-        m_buffer.clear();
-        Touch();
-        const int newRow = ViewPosition(id);
-        if (newRow >= 0) {
-            SetCurrent(id, false, false);
-            if (newRow == oldRow)
-                NotifyRowChanged(newRow);
-            else
-                NotifyRowMoved(oldRow, newRow);
-        } else {
-            // The filter hides the new record: stay where the insert began.
-            NotifyRowRemoved(oldRow);
-            const int count = ViewCount();
-            if (count == 0)
-                SetCurrent(NoRecord, true, true);
-            else
-                SetCurrent(ViewRecord(std::min(oldRow, count - 1)), false, false);
-        }
-    } else {
-        CheckRecord(m_buffer, m_current);
-        RefreshCursorRow();
-        const int oldRow = m_row;
-        InternalUpdate(m_current, m_buffer);
-        m_buffer.clear();
-        Touch();
-        const int newRow = ViewPosition(m_current);
-        if (newRow >= 0) {
-            SetCurrent(m_current, false, false);
-            if (newRow == oldRow)
-                NotifyRowChanged(newRow);
-            else
-                NotifyRowMoved(oldRow, newRow);
-        } else {
-            NotifyRowRemoved(oldRow);
-            const int count = ViewCount();
-            if (count == 0)
-                SetCurrent(NoRecord, true, true);
-            else
-                SetCurrent(ViewRecord(std::min(oldRow, count - 1)), false, false);
-        }
-    }
+    StoreRecord(m_state == dsInsert);
     m_cursorContext = RecordContext{m_current, nullptr, &m_cursorCalc};
     SetState(dsBrowse);
     DataEvent(deDataSetChange);
     if (AfterPost)
         AfterPost(this);
+}
+
+void TDataSet::StoreRecord(bool inserting)
+{
+    PrepareRecord(m_buffer, inserting);
+    const RecordId self = inserting ? NoRecord : m_current;
+    CheckRecord(m_buffer, self);
+    RefreshCursorRow();
+    const int oldRow = inserting ? m_insertRow : m_row;
+    // Calculated values cached for rows go stale with what the prediction writes.
+    Touch();
+    const int predicted = PredictPosition(m_buffer, inserting ? m_insertBefore : NoRecord, self);
+    if (predicted == -2)
+        NotifyRowsAboutToBeReset();
+    else if (predicted < 0)
+        NotifyRows([oldRow](TDataSetRowObserver *o) { o->RowAboutToBeRemoved(oldRow); });
+    else if (predicted != oldRow)
+        NotifyRows([oldRow, predicted](TDataSetRowObserver *o) { o->RowAboutToBeMoved(oldRow, predicted); });
+
+    RecordId id = m_current;
+    if (inserting) {
+        id = InternalInsert(m_buffer, m_insertBefore);
+        m_insertRow = -1;
+    } else {
+        InternalUpdate(id, m_buffer);
+    }
+    m_buffer.clear();
+    Touch();
+    const int newRow = ViewPosition(id);
+    if (newRow >= 0) {
+        SetCurrent(id, false, false);
+    } else {
+        // The filter hides the record: the cursor stays on the row where it was.
+        const int count = ViewCount();
+        if (count == 0)
+            SetCurrent(NoRecord, true, true);
+        else
+            SetCurrent(ViewRecord(std::min(oldRow, count - 1)), false, false);
+    }
+
+    if (predicted == -2) {
+        NotifyRowsReset();
+        return;
+    }
+    if (predicted < 0)
+        NotifyRows([oldRow](TDataSetRowObserver *o) { o->RowRemoved(oldRow); });
+    else if (predicted != oldRow)
+        NotifyRows([oldRow, predicted](TDataSetRowObserver *o) { o->RowMoved(oldRow, predicted); });
+    if (predicted >= 0)
+        NotifyRowChanged(predicted);
+    // A descendant that predicted wrong gets its rows reported again as a whole.
+    if (newRow != predicted) {
+        NotifyRowsAboutToBeReset();
+        NotifyRowsReset();
+    }
+}
+
+void TDataSet::PrepareRecord(QVariantList &, bool) {}
+
+int TDataSet::PredictPosition(const QVariantList &, RecordId, RecordId)
+{
+    return -2;
 }
 
 void TDataSet::Cancel()
@@ -773,10 +793,11 @@ void TDataSet::Delete()
     DoBeforeScroll();
     RefreshCursorRow();
     const int row = m_row;
+    NotifyRows([row](TDataSetRowObserver *o) { o->RowAboutToBeRemoved(row); });
     InternalDelete(m_current);
     m_buffer.clear();
     Touch();
-    NotifyRowRemoved(row);
+    NotifyRows([row](TDataSetRowObserver *o) { o->RowRemoved(row); });
     const int count = ViewCount();
     if (count == 0)
         SetCurrent(NoRecord, true, true);
@@ -1151,10 +1172,21 @@ void TDataSet::FilterSettingChanged()
     if (!Active() || !m_filtered)
         return;
     CheckBrowseMode();
-    FilterChanged();
+    RefilterRows();
+    First();
+}
+
+void TDataSet::RefilterRows()
+{
+    NotifyRowsAboutToBeReset();
+    try {
+        FilterChanged();
+    } catch (...) {
+        NotifyRowsReset();
+        throw;
+    }
     Touch();
     NotifyRowsReset();
-    First();
 }
 
 void TDataSet::setFilter(const QString &text)
@@ -1182,13 +1214,11 @@ void TDataSet::setFiltered(bool value)
     CheckBrowseMode();
     m_filtered = value;
     try {
-        FilterChanged();
+        RefilterRows();
     } catch (...) {
         m_filtered = !value;
         throw;
     }
-    Touch();
-    NotifyRowsReset();
     First();
 }
 
@@ -1342,48 +1372,38 @@ void TDataSet::RemoveRowObserver(TDataSetRowObserver *observer)
     m_rowObservers.removeOne(observer);
 }
 
-void TDataSet::NotifyRowInserted(int row)
+void TDataSet::NotifyRows(const std::function<void(TDataSetRowObserver *)> &call)
 {
-    for (TDataSetRowObserver *o : QList(m_rowObservers))
-        o->RowInserted(row);
-}
-
-void TDataSet::NotifyRowRemoved(int row)
-{
-    for (TDataSetRowObserver *o : QList(m_rowObservers))
-        o->RowRemoved(row);
-}
-
-void TDataSet::NotifyRowMoved(int from, int to)
-{
-    for (TDataSetRowObserver *o : QList(m_rowObservers))
-        o->RowMoved(from, to);
+    for (TDataSetRowObserver *o : QList(m_rowObservers)) {
+        if (m_rowObservers.contains(o))
+            call(o);
+    }
 }
 
 void TDataSet::NotifyRowChanged(int row)
 {
-    if (row < 0)
-        return;
-    for (TDataSetRowObserver *o : QList(m_rowObservers))
-        o->RowChanged(row);
+    if (row >= 0)
+        NotifyRows([row](TDataSetRowObserver *o) { o->RowChanged(row); });
 }
 
 void TDataSet::NotifyRowsAboutToBeReordered()
 {
-    for (TDataSetRowObserver *o : QList(m_rowObservers))
-        o->RowsAboutToBeReordered();
+    NotifyRows([](TDataSetRowObserver *o) { o->RowsAboutToBeReordered(); });
 }
 
 void TDataSet::NotifyRowsReordered()
 {
-    for (TDataSetRowObserver *o : QList(m_rowObservers))
-        o->RowsReordered();
+    NotifyRows([](TDataSetRowObserver *o) { o->RowsReordered(); });
+}
+
+void TDataSet::NotifyRowsAboutToBeReset()
+{
+    NotifyRows([](TDataSetRowObserver *o) { o->RowsAboutToBeReset(); });
 }
 
 void TDataSet::NotifyRowsReset()
 {
-    for (TDataSetRowObserver *o : QList(m_rowObservers))
-        o->RowsReset();
+    NotifyRows([](TDataSetRowObserver *o) { o->RowsReset(); });
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -27,20 +27,26 @@ class TDataSource;
 class TRecordScope;
 
 // Told of every change in a dataset's rows, in row numbers (0-based; in dsInsert the new record
-// counts as a row at its insert position). Each call comes after the change, so that the new
-// rows can be read at once; RowsAboutToBeReordered comes before a change of order.
+// counts as a row at its insert position), in pairs: the first call comes before the change, the
+// second after it, as Qt's item models want them. A moved row's To is its row after the move.
+// Opening and closing are no row changes: the data links hear of them.
 class MATTONI_CORE_EXPORT TDataSetRowObserver
 {
 public:
     virtual ~TDataSetRowObserver();
+    virtual void RowAboutToBeInserted(int row) = 0;
     virtual void RowInserted(int row) = 0;
+    virtual void RowAboutToBeRemoved(int row) = 0;
     virtual void RowRemoved(int row) = 0;
+    virtual void RowAboutToBeMoved(int from, int to) = 0;
     virtual void RowMoved(int from, int to) = 0;
+    // After a change of the row's values.
     virtual void RowChanged(int row) = 0;
+    // The same rows in another order (an index change).
     virtual void RowsAboutToBeReordered() = 0;
-    // The same rows in a new order (an index change).
     virtual void RowsReordered() = 0;
-    // Anything may have changed (opened, closed, filtered, refilled).
+    // Anything may change (a filter, an emptied dataset).
+    virtual void RowsAboutToBeReset() = 0;
     virtual void RowsReset() = 0;
 };
 
@@ -237,8 +243,14 @@ protected:
     // fields' values record by record.
     virtual bool LocateRecord(const QList<TField *> &fields, const QVariantList &values,
                               TLocateOptions options, RecordId &found);
+    // Completes a record about to be posted (numbers of its own); the base leaves it.
+    virtual void PrepareRecord(QVariantList &values, bool inserting);
     // Raises when the record may not be posted (a key violation); the base accepts it.
     virtual void CheckRecord(const QVariantList &values, RecordId self) const;
+    // The view position a record with Values will have once stored (a new one placed before
+    // Before, or Self updated), -1 when the filter will hide it; the base cannot tell (-2), and
+    // the rows are then reported as reset.
+    virtual int PredictPosition(const QVariantList &values, RecordId before, RecordId self);
     // Leaving dsSetKey: Post keeps the key (Commit), Cancel drops it.
     virtual void InternalPostKey(const QVariantList &key, bool commit);
     virtual TBookmark MakeBookmark(RecordId id) const;
@@ -257,6 +269,7 @@ protected:
     // Row notifications for descendants that change rows by themselves.
     void NotifyRowsAboutToBeReordered();
     void NotifyRowsReordered();
+    void NotifyRowsAboutToBeReset();
     void NotifyRowsReset();
     // The fields bound to stored columns, by FieldNo - 1.
     const QList<TField *> &StoredFields() const { return m_storedFields; }
@@ -324,12 +337,13 @@ private:
     void FieldListChanged() { m_fieldListValid = false; }
     void AddDataSource(TDataSource *source);
     void RemoveDataSource(TDataSource *source);
-    void NotifyRowInserted(int row);
-    void NotifyRowRemoved(int row);
-    void NotifyRowMoved(int from, int to);
+    void NotifyRows(const std::function<void(TDataSetRowObserver *)> &call);
     void NotifyRowChanged(int row);
+    // Stores the unsaved record (an insert or an update) and reports where its row went.
+    void StoreRecord(bool inserting);
     QVariantList LocateValues(const QList<TField *> &fields, const QVariant &keyValues) const;
     void FilterSettingChanged();
+    void RefilterRows();
     void InvalidateCalc() { m_cursorCalc.valid = false; }
     RecordId RowRecord(int row) const;
     int StoredColumnCount() const { return int(m_storedFields.size()); }

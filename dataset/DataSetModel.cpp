@@ -25,8 +25,9 @@ TDataSetModel::TDataSetModel(QObject *parent) : QAbstractTableModel(parent), m_l
 
 TDataSetModel::~TDataSetModel()
 {
+    // The link leaves its source quietly: a model being destroyed resets nothing.
     Observe(nullptr);
-    m_link->setDataSource(nullptr);
+    m_link.reset();
 }
 
 TDataSource *TDataSetModel::DataSource() const
@@ -54,9 +55,9 @@ void TDataSetModel::setFieldNames(const QStringList &names)
     Reset();
 }
 
-QList<TField *> TDataSetModel::CurrentColumns() const
+QList<QPointer<TField>> TDataSetModel::CurrentColumns() const
 {
-    QList<TField *> columns;
+    QList<QPointer<TField>> columns;
     TDataSet *ds = DataSet();
     if (!ds)
         return columns;
@@ -76,12 +77,16 @@ QList<TField *> TDataSetModel::CurrentColumns() const
 
 TField *TDataSetModel::FieldAt(int column) const
 {
-    return column >= 0 && column < m_columns.size() ? m_columns.at(column) : nullptr;
+    return column >= 0 && column < m_columns.size() ? m_columns.at(column).data() : nullptr;
 }
 
 int TDataSetModel::ColumnOf(const TField *field) const
 {
-    return int(m_columns.indexOf(const_cast<TField *>(field)));
+    for (int i = 0; i < m_columns.size(); ++i) {
+        if (field && m_columns.at(i) == field)
+            return i;
+    }
+    return -1;
 }
 
 TBookmark TDataSetModel::BookmarkAt(int row) const
@@ -237,33 +242,47 @@ void TDataSetModel::CheckCurrentRow()
     emit currentRowChanged(row);
 }
 
-void TDataSetModel::RowInserted(int row)
+void TDataSetModel::RowAboutToBeInserted(int row)
 {
-    if (Held())
+    m_held = Held();
+    if (!m_held)
+        beginInsertRows(QModelIndex(), row, row);
+}
+
+void TDataSetModel::RowInserted(int)
+{
+    if (m_held)
         return;
-    beginInsertRows(QModelIndex(), row, row);
     ++m_rows;
     endInsertRows();
 }
 
-void TDataSetModel::RowRemoved(int row)
+void TDataSetModel::RowAboutToBeRemoved(int row)
 {
-    if (Held())
+    m_held = Held();
+    if (!m_held)
+        beginRemoveRows(QModelIndex(), row, row);
+}
+
+void TDataSetModel::RowRemoved(int)
+{
+    if (m_held)
         return;
-    beginRemoveRows(QModelIndex(), row, row);
     --m_rows;
     endRemoveRows();
 }
 
-void TDataSetModel::RowMoved(int from, int to)
+void TDataSetModel::RowAboutToBeMoved(int from, int to)
 {
-    if (Held())
-        return;
-    if (from != to) {
+    m_held = Held();
+    if (!m_held)
         beginMoveRows(QModelIndex(), from, from, QModelIndex(), to > from ? to + 1 : to);
+}
+
+void TDataSetModel::RowMoved(int, int)
+{
+    if (!m_held)
         endMoveRows();
-    }
-    RowChanged(to);
 }
 
 void TDataSetModel::RowChanged(int row)
@@ -275,7 +294,8 @@ void TDataSetModel::RowChanged(int row)
 
 void TDataSetModel::RowsAboutToBeReordered()
 {
-    if (Held())
+    m_held = Held();
+    if (m_held)
         return;
     emit layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
     m_reorderIndexes.clear();
@@ -288,11 +308,8 @@ void TDataSetModel::RowsAboutToBeReordered()
 
 void TDataSetModel::RowsReordered()
 {
-    if (m_stale) {
-        m_reorderIndexes.clear();
-        m_reorderBookmarks.clear();
+    if (m_held)
         return;
-    }
     for (int i = 0; i < m_reorderIndexes.size(); ++i) {
         const QModelIndex old = m_reorderIndexes.at(i);
         const int row = RowOf(m_reorderBookmarks.at(i));
@@ -303,11 +320,22 @@ void TDataSetModel::RowsReordered()
     emit layoutChanged({}, QAbstractItemModel::VerticalSortHint);
 }
 
+void TDataSetModel::RowsAboutToBeReset()
+{
+    m_held = Held();
+    if (!m_held)
+        beginResetModel();
+}
+
 void TDataSetModel::RowsReset()
 {
-    if (Held())
+    if (m_held)
         return;
-    Reset();
+    m_columns = CurrentColumns();
+    TDataSet *ds = DataSet();
+    m_rows = ds ? ds->RowCount() : 0;
+    endResetModel();
+    CheckCurrentRow();
 }
 
 void TDataSetModel::LinkActiveChanged()

@@ -69,12 +69,16 @@ private:
     class Link;
     friend class Link;
 
+    void RowAboutToBeInserted(int row) override;
     void RowInserted(int row) override;
+    void RowAboutToBeRemoved(int row) override;
     void RowRemoved(int row) override;
+    void RowAboutToBeMoved(int from, int to) override;
     void RowMoved(int from, int to) override;
     void RowChanged(int row) override;
     void RowsAboutToBeReordered() override;
     void RowsReordered() override;
+    void RowsAboutToBeReset() override;
     void RowsReset() override;
 
     // Structural row signals are held back while the dataset's controls are disabled; the
@@ -82,7 +86,7 @@ private:
     bool Held();
     void Reset();
     void Observe(TDataSet *dataSet);
-    QList<TField *> CurrentColumns() const;
+    QList<QPointer<TField>> CurrentColumns() const;
     void LinkActiveChanged();
     void LinkDataSetChanged();
     void LinkLayoutChanged();
@@ -91,9 +95,12 @@ private:
     std::unique_ptr<Link> m_link;
     QPointer<TDataSet> m_observed;
     QStringList m_fieldNames;
-    QList<TField *> m_columns;
+    // Fields of closed datasets go away: the columns watch them.
+    QList<QPointer<TField>> m_columns;
     int m_rows = 0;
     bool m_stale = false;
+    // Whether the change between a pair of row notifications is held back.
+    bool m_held = false;
     int m_currentRow = -1;
     QList<QPersistentModelIndex> m_reorderIndexes;
     QList<TBookmark> m_reorderBookmarks;

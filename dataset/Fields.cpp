@@ -392,6 +392,33 @@ void TField::SetText(const QString &text)
     setAsString(text);
 }
 
+bool TField::ClearIfNull(const QVariant &value)
+{
+    if (!isNullValue(value))
+        return false;
+    Clear();
+    return true;
+}
+
+bool TField::NullText(QString &text) const
+{
+    if (!IsNull())
+        return false;
+    text.clear();
+    return true;
+}
+
+void TField::SetBytesValue(const QVariant &value)
+{
+    if (ClearIfNull(value))
+        return;
+    // Text arrives as Latin-1 bytes; anything else as the bytes it holds.
+    if (VarIsStr(value) && value.metaType().id() != QMetaType::QByteArray)
+        setAsString(value.toString());
+    else
+        setAsBytes(value.toByteArray());
+}
+
 QString TField::ClassDesc() const
 {
     QString name = QString::fromLatin1(metaObject()->className());
@@ -430,25 +457,13 @@ void TStringField::setFixedChar(bool value)
     m_dataType = value ? (wide ? ftFixedWideChar : ftFixedChar) : (wide ? ftWideString : ftString);
 }
 
-QVariant TStringField::Value() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? Null() : QVariant(v.toString());
-}
-
 void TStringField::setValue(const QVariant &value)
 {
-    if (isNullValue(value))
-        Clear();
-    else
+    if (!ClearIfNull(value))
         setAsString(VarToStr(value));
 }
 
-QString TStringField::AsString() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? QString() : v.toString();
-}
+QString TStringField::AsString() const { return DataOr<QString>(QString()); }
 
 void TStringField::setAsString(const QString &value)
 {
@@ -468,10 +483,7 @@ void TStringField::setAsDateTime(TDateTime value) { setAsString(DateTimeToStr(va
 bool TStringField::AsBoolean() const
 {
     const QString s = AsString();
-    if (s.isEmpty())
-        return false;
-    const QChar c = s.at(0);
-    return c == QLatin1Char('T') || c == QLatin1Char('t') || c == QLatin1Char('Y') || c == QLatin1Char('y');
+    return !s.isEmpty() && QStringLiteral("TtYy").contains(s.at(0));
 }
 
 void TStringField::setAsBoolean(bool value)
@@ -510,36 +522,19 @@ QString TNumericField::FormatFor(bool displayText) const
     return displayText || m_editFormat.isEmpty() ? m_displayFormat : m_editFormat;
 }
 
-void TNumericField::SetText(const QString &text)
-{
-    setAsString(text);
-}
-
 TIntegerField::TIntegerField(TFieldType dataType, QObject *owner)
     : TNumericField(dataType, owner), m_minRange(std::numeric_limits<qint32>::min()),
       m_maxRange(std::numeric_limits<qint32>::max())
 {
 }
 
-QVariant TIntegerField::Value() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? Null() : QVariant(v.toInt());
-}
-
 void TIntegerField::setValue(const QVariant &value)
 {
-    if (isNullValue(value))
-        Clear();
-    else
+    if (!ClearIfNull(value))
         setAsLargeInt(VarToInt(value));
 }
 
-QString TIntegerField::AsString() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? QString() : IntToStr(v.toInt());
-}
+QString TIntegerField::AsString() const { return IsNull() ? QString() : IntToStr(AsInteger()); }
 
 void TIntegerField::setAsString(const QString &value)
 {
@@ -549,16 +544,8 @@ void TIntegerField::setAsString(const QString &value)
         setAsLargeInt(StrToInt64(value));
 }
 
-qint32 TIntegerField::AsInteger() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? 0 : v.toInt();
-}
-
-void TIntegerField::setAsInteger(qint32 value)
-{
-    setAsLargeInt(value);
-}
+qint32 TIntegerField::AsInteger() const { return DataOr<qint32>(0); }
+void TIntegerField::setAsInteger(qint32 value) { setAsLargeInt(value); }
 
 void TIntegerField::setAsLargeInt(qint64 value)
 {
@@ -579,13 +566,10 @@ void TIntegerField::setAsFloat(double value)
 
 void TIntegerField::GetText(QString &text, bool displayText) const
 {
-    const QVariant v = GetData();
-    if (isNullValue(v)) {
-        text.clear();
+    if (NullText(text))
         return;
-    }
     const QString format = FormatFor(displayText);
-    text = format.isEmpty() ? IntToStr(v.toInt()) : FormatFloat(format, v.toInt());
+    text = format.isEmpty() ? IntToStr(AsInteger()) : FormatFloat(format, AsInteger());
 }
 
 void TIntegerField::Range(qint64 &lo, qint64 &hi) const
@@ -620,25 +604,13 @@ TWordField::TWordField(QObject *owner) : TIntegerField(ftWord, owner)
 
 TAutoIncField::TAutoIncField(QObject *owner) : TIntegerField(ftAutoInc, owner) {}
 
-QVariant TLargeintField::Value() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? Null() : QVariant(v.toLongLong());
-}
-
 void TLargeintField::setValue(const QVariant &value)
 {
-    if (isNullValue(value))
-        Clear();
-    else
+    if (!ClearIfNull(value))
         setAsLargeInt(VarToInt(value));
 }
 
-QString TLargeintField::AsString() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? QString() : IntToStr(v.toLongLong());
-}
+QString TLargeintField::AsString() const { return IsNull() ? QString() : IntToStr(AsLargeInt()); }
 
 void TLargeintField::setAsString(const QString &value)
 {
@@ -648,36 +620,17 @@ void TLargeintField::setAsString(const QString &value)
         setAsLargeInt(StrToInt64(value));
 }
 
-qint32 TLargeintField::AsInteger() const
-{
-    return qint32(AsLargeInt());
-}
-
-qint64 TLargeintField::AsLargeInt() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? 0 : v.toLongLong();
-}
-
-void TLargeintField::setAsLargeInt(qint64 value)
-{
-    SetData(qlonglong(value));
-}
-
-void TLargeintField::setAsFloat(double value)
-{
-    setAsLargeInt(roundEven(value));
-}
+qint32 TLargeintField::AsInteger() const { return qint32(AsLargeInt()); }
+qint64 TLargeintField::AsLargeInt() const { return DataOr<qlonglong>(0); }
+void TLargeintField::setAsLargeInt(qint64 value) { SetData(qlonglong(value)); }
+void TLargeintField::setAsFloat(double value) { setAsLargeInt(roundEven(value)); }
 
 void TLargeintField::GetText(QString &text, bool displayText) const
 {
-    const QVariant v = GetData();
-    if (isNullValue(v)) {
-        text.clear();
+    if (NullText(text))
         return;
-    }
     const QString format = FormatFor(displayText);
-    text = format.isEmpty() ? IntToStr(v.toLongLong()) : FormatFloat(format, double(v.toLongLong()));
+    text = format.isEmpty() ? IntToStr(AsLargeInt()) : FormatFloat(format, double(AsLargeInt()));
 }
 
 TFloatField::TFloatField(TFieldType dataType, QObject *owner) : TNumericField(dataType, owner) {}
@@ -696,25 +649,13 @@ void TFloatField::setPrecision(int value)
     PropertyChanged(false);
 }
 
-QVariant TFloatField::Value() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? Null() : QVariant(v.toDouble());
-}
-
 void TFloatField::setValue(const QVariant &value)
 {
-    if (isNullValue(value))
-        Clear();
-    else
+    if (!ClearIfNull(value))
         setAsFloat(VarToFloat(value));
 }
 
-QString TFloatField::AsString() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? QString() : generalFloat(v.toDouble(), m_precision);
-}
+QString TFloatField::AsString() const { return IsNull() ? QString() : generalFloat(AsFloat(), m_precision); }
 
 void TFloatField::setAsString(const QString &value)
 {
@@ -724,21 +665,9 @@ void TFloatField::setAsString(const QString &value)
         setAsFloat(StrToFloat(value));
 }
 
-qint32 TFloatField::AsInteger() const
-{
-    return qint32(roundEven(AsFloat()));
-}
-
-qint64 TFloatField::AsLargeInt() const
-{
-    return roundEven(AsFloat());
-}
-
-double TFloatField::AsFloat() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? 0.0 : v.toDouble();
-}
+qint32 TFloatField::AsInteger() const { return qint32(roundEven(AsFloat())); }
+qint64 TFloatField::AsLargeInt() const { return roundEven(AsFloat()); }
+double TFloatField::AsFloat() const { return DataOr<double>(0.0); }
 
 void TFloatField::setAsFloat(double value)
 {
@@ -750,18 +679,15 @@ void TFloatField::setAsFloat(double value)
 
 void TFloatField::GetText(QString &text, bool displayText) const
 {
-    const QVariant v = GetData();
-    if (isNullValue(v)) {
-        text.clear();
+    if (NullText(text))
         return;
-    }
     const QString format = FormatFor(displayText);
     if (!format.isEmpty())
-        text = FormatFloat(format, v.toDouble());
+        text = FormatFloat(format, AsFloat());
     else if (m_currency)
-        text = currencyText(v.toDouble(), displayText);
+        text = currencyText(AsFloat(), displayText);
     else
-        text = generalFloat(v.toDouble(), m_precision);
+        text = generalFloat(AsFloat(), m_precision);
 }
 
 TCurrencyField::TCurrencyField(QObject *owner) : TFloatField(ftCurrency, owner)
@@ -782,25 +708,13 @@ void TBCDField::setCurrency(bool value)
     PropertyChanged(false);
 }
 
-QVariant TBCDField::Value() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? Null() : QVariant::fromValue(v.value<mattoni::Currency>());
-}
-
 void TBCDField::setValue(const QVariant &value)
 {
-    if (isNullValue(value))
-        Clear();
-    else
+    if (!ClearIfNull(value))
         setAsCurrency(VarToCurr(value));
 }
 
-QString TBCDField::AsString() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? QString() : CurrToStr(v.value<mattoni::Currency>());
-}
+QString TBCDField::AsString() const { return IsNull() ? QString() : CurrToStr(AsCurrency()); }
 
 void TBCDField::setAsString(const QString &value)
 {
@@ -810,35 +724,16 @@ void TBCDField::setAsString(const QString &value)
         setAsCurrency(StrToCurr(value));
 }
 
-qint32 TBCDField::AsInteger() const
-{
-    return qint32(AsLargeInt());
-}
-
-qint64 TBCDField::AsLargeInt() const
-{
-    return roundEven(AsCurrency().ToDouble());
-}
-
-mattoni::Currency TBCDField::AsCurrency() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? mattoni::Currency() : v.value<mattoni::Currency>();
-}
-
-void TBCDField::setAsCurrency(mattoni::Currency value)
-{
-    SetData(QVariant::fromValue(value));
-}
+qint32 TBCDField::AsInteger() const { return qint32(AsLargeInt()); }
+qint64 TBCDField::AsLargeInt() const { return roundEven(AsCurrency().ToDouble()); }
+mattoni::Currency TBCDField::AsCurrency() const { return DataOr<mattoni::Currency>(mattoni::Currency()); }
+void TBCDField::setAsCurrency(mattoni::Currency value) { SetData(QVariant::fromValue(value)); }
 
 void TBCDField::GetText(QString &text, bool displayText) const
 {
-    const QVariant v = GetData();
-    if (isNullValue(v)) {
-        text.clear();
+    if (NullText(text))
         return;
-    }
-    const mattoni::Currency c = v.value<mattoni::Currency>();
+    const mattoni::Currency c = AsCurrency();
     const QString format = FormatFor(displayText);
     if (!format.isEmpty())
         text = FormatCurr(format, c);
@@ -872,26 +767,17 @@ void TBooleanField::setDisplayValues(const QString &values)
     PropertyChanged(true);
 }
 
-QVariant TBooleanField::Value() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? Null() : QVariant(v.toBool());
-}
-
 void TBooleanField::setValue(const QVariant &value)
 {
-    if (isNullValue(value))
-        Clear();
-    else
+    if (!ClearIfNull(value))
         setAsBoolean(VarToBool(value));
 }
 
 QString TBooleanField::AsString() const
 {
-    const QVariant v = GetData();
-    if (isNullValue(v))
+    if (IsNull())
         return QString();
-    return v.toBool() ? m_trueText : m_falseText;
+    return AsBoolean() ? m_trueText : m_falseText;
 }
 
 void TBooleanField::setAsString(const QString &value)
@@ -914,16 +800,8 @@ void TBooleanField::setAsString(const QString &value)
         DatabaseErrorFmt(SNotABoolean, {value, DisplayName()});
 }
 
-bool TBooleanField::AsBoolean() const
-{
-    const QVariant v = GetData();
-    return !isNullValue(v) && v.toBool();
-}
-
-void TBooleanField::setAsBoolean(bool value)
-{
-    SetData(value);
-}
+bool TBooleanField::AsBoolean() const { return DataOr<bool>(false); }
+void TBooleanField::setAsBoolean(bool value) { SetData(value); }
 
 int TBooleanField::DefaultWidth() const
 {
@@ -943,17 +821,9 @@ void TDateTimeField::setDisplayFormat(const QString &format)
     PropertyChanged(false);
 }
 
-QVariant TDateTimeField::Value() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? Null() : v;
-}
-
 void TDateTimeField::setValue(const QVariant &value)
 {
-    if (isNullValue(value))
-        Clear();
-    else
+    if (!ClearIfNull(value))
         setAsDateTime(VarToDateTime(value));
 }
 
@@ -966,44 +836,34 @@ QString TDateTimeField::AsString() const
 
 void TDateTimeField::setAsString(const QString &value)
 {
-    if (value.isEmpty()) {
+    if (value.isEmpty())
         Clear();
-        return;
-    }
-    switch (m_dataType) {
-    case ftDate: setAsDateTime(StrToDate(value)); break;
-    case ftTime: setAsDateTime(StrToTime(value)); break;
-    default: setAsDateTime(StrToDateTime(value)); break;
-    }
+    else if (m_dataType == ftDate)
+        setAsDateTime(StrToDate(value));
+    else if (m_dataType == ftTime)
+        setAsDateTime(StrToTime(value));
+    else
+        setAsDateTime(StrToDateTime(value));
 }
 
 TDateTime TDateTimeField::AsDateTime() const
 {
-    const QVariant v = GetData();
-    return isNullValue(v) ? 0.0 : VarToDateTime(v);
+    return IsNull() ? 0.0 : VarToDateTime(GetData());
 }
 
 void TDateTimeField::setAsDateTime(TDateTime value)
 {
-    SetData(ToVariant(value));
-}
-
-QVariant TDateTimeField::ToVariant(TDateTime value) const
-{
     switch (m_dataType) {
-    case ftDate: return DateTimeToQDate(value);
-    case ftTime: return DateTimeToQTime(value);
-    default: return DateTimeToQDateTime(value);
+    case ftDate: SetData(DateTimeToQDate(value)); break;
+    case ftTime: SetData(DateTimeToQTime(value)); break;
+    default: SetData(DateTimeToQDateTime(value)); break;
     }
 }
 
 void TDateTimeField::GetText(QString &text, bool displayText) const
 {
-    const QVariant v = GetData();
-    if (isNullValue(v)) {
-        text.clear();
+    if (NullText(text))
         return;
-    }
     QString format;
     if (displayText && !m_displayFormat.isEmpty())
         format = m_displayFormat;
@@ -1013,7 +873,7 @@ void TDateTimeField::GetText(QString &text, bool displayText) const
         format = FormatSettings.LongTimeFormat;
     else
         format = QStringLiteral("c");
-    text = FormatDateTime(format, VarToDateTime(v));
+    text = FormatDateTime(format, AsDateTime());
 }
 
 int TDateTimeField::DefaultWidth() const
@@ -1033,37 +893,10 @@ TBinaryField::TBinaryField(TFieldType dataType, QObject *owner) : TField(dataTyp
     m_size = 16;
 }
 
-QVariant TBinaryField::Value() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? Null() : QVariant(v.toByteArray());
-}
-
-void TBinaryField::setValue(const QVariant &value)
-{
-    if (isNullValue(value))
-        Clear();
-    else if (VarIsStr(value) && value.metaType().id() != QMetaType::QByteArray)
-        setAsString(value.toString());
-    else
-        setAsBytes(value.toByteArray());
-}
-
-QString TBinaryField::AsString() const
-{
-    return QString::fromLatin1(AsBytes());
-}
-
-void TBinaryField::setAsString(const QString &value)
-{
-    setAsBytes(value.toLatin1());
-}
-
-QByteArray TBinaryField::AsBytes() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? QByteArray() : v.toByteArray();
-}
+void TBinaryField::setValue(const QVariant &value) { SetBytesValue(value); }
+QString TBinaryField::AsString() const { return QString::fromLatin1(AsBytes()); }
+void TBinaryField::setAsString(const QString &value) { setAsBytes(value.toLatin1()); }
+QByteArray TBinaryField::AsBytes() const { return DataOr<QByteArray>(QByteArray()); }
 
 void TBinaryField::setAsBytes(const QByteArray &value)
 {
@@ -1077,133 +910,48 @@ void TBinaryField::GetText(QString &text, bool) const
 
 TBlobField::TBlobField(TFieldType dataType, QObject *owner) : TField(dataType, owner) {}
 
-QVariant TBlobField::Value() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? Null() : QVariant(v.toByteArray());
-}
-
-void TBlobField::setValue(const QVariant &value)
-{
-    if (isNullValue(value))
-        Clear();
-    else if (VarIsStr(value) && value.metaType().id() != QMetaType::QByteArray)
-        setAsString(value.toString());
-    else
-        setAsBytes(value.toByteArray());
-}
-
-QString TBlobField::AsString() const
-{
-    return QString::fromLatin1(AsBytes());
-}
-
-void TBlobField::setAsString(const QString &value)
-{
-    setAsBytes(value.toLatin1());
-}
-
-QByteArray TBlobField::AsBytes() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? QByteArray() : v.toByteArray();
-}
-
-void TBlobField::setAsBytes(const QByteArray &value)
-{
-    SetData(value);
-}
+void TBlobField::setValue(const QVariant &value) { SetBytesValue(value); }
+QString TBlobField::AsString() const { return QString::fromLatin1(AsBytes()); }
+void TBlobField::setAsString(const QString &value) { setAsBytes(value.toLatin1()); }
+QByteArray TBlobField::AsBytes() const { return DataOr<QByteArray>(QByteArray()); }
+void TBlobField::setAsBytes(const QByteArray &value) { SetData(value); }
 
 void TBlobField::GetText(QString &text, bool) const
 {
     text = ClassDesc();
 }
 
-QVariant TMemoField::Value() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? Null() : QVariant(v.toString());
-}
-
 void TMemoField::setValue(const QVariant &value)
 {
-    if (isNullValue(value))
-        Clear();
-    else if (value.metaType().id() == QMetaType::QByteArray)
+    if (ClearIfNull(value))
+        return;
+    if (value.metaType().id() == QMetaType::QByteArray)
         setAsBytes(value.toByteArray());
     else
         setAsString(VarToStr(value));
 }
 
-QString TMemoField::AsString() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? QString() : v.toString();
-}
-
-void TMemoField::setAsString(const QString &value)
-{
-    SetData(value);
-}
-
-QByteArray TMemoField::AsBytes() const
-{
-    return AsString().toLatin1();
-}
-
-void TMemoField::setAsBytes(const QByteArray &value)
-{
-    setAsString(QString::fromLatin1(value));
-}
+QString TMemoField::AsString() const { return DataOr<QString>(QString()); }
+void TMemoField::setAsString(const QString &value) { SetData(value); }
+QByteArray TMemoField::AsBytes() const { return AsString().toLatin1(); }
+void TMemoField::setAsBytes(const QByteArray &value) { setAsString(QString::fromLatin1(value)); }
 
 // ---------------------------------------------------------------------------------------------
 // Variants
 
 void TVariantField::setValue(const QVariant &value)
 {
-    if (isNullValue(value))
-        Clear();
-    else
+    if (!ClearIfNull(value))
         SetData(value);
 }
 
 QString TVariantField::AsString() const { return VarToStr(GetData()); }
-
-qint32 TVariantField::AsInteger() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? 0 : qint32(VarToInt(v));
-}
-
-qint64 TVariantField::AsLargeInt() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? 0 : VarToInt(v);
-}
-
-double TVariantField::AsFloat() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? 0.0 : VarToFloat(v);
-}
-
-mattoni::Currency TVariantField::AsCurrency() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? mattoni::Currency() : VarToCurr(v);
-}
-
-TDateTime TVariantField::AsDateTime() const
-{
-    const QVariant v = GetData();
-    return isNullValue(v) ? 0.0 : VarToDateTime(v);
-}
-
-bool TVariantField::AsBoolean() const
-{
-    const QVariant v = GetData();
-    return !isNullValue(v) && VarToBool(v);
-}
+qint32 TVariantField::AsInteger() const { return IsNull() ? 0 : qint32(VarToInt(GetData())); }
+qint64 TVariantField::AsLargeInt() const { return IsNull() ? 0 : VarToInt(GetData()); }
+double TVariantField::AsFloat() const { return IsNull() ? 0.0 : VarToFloat(GetData()); }
+mattoni::Currency TVariantField::AsCurrency() const { return IsNull() ? mattoni::Currency() : VarToCurr(GetData()); }
+TDateTime TVariantField::AsDateTime() const { return IsNull() ? 0.0 : VarToDateTime(GetData()); }
+bool TVariantField::AsBoolean() const { return !IsNull() && VarToBool(GetData()); }
 
 // ---------------------------------------------------------------------------------------------
 // Object fields

@@ -186,6 +186,19 @@ protected:
     virtual int DefaultWidth() const { return 10; }
     // "(MEMO)", "(BLOB)", "(ADT)" ...: upper case with a value, lower case without.
     QString ClassDesc() const;
+    // The stored value as a T, or Fallback when the field is null.
+    template<typename T>
+    T DataOr(T fallback) const
+    {
+        const QVariant v = GetData();
+        return !v.isValid() || v.metaType().id() == QMetaType::Nullptr ? fallback : v.value<T>();
+    }
+    // Clears the field when Value is Null or unassigned, and tells whether it did.
+    bool ClearIfNull(const QVariant &value);
+    // Empties Text for a null field, and tells whether it did: nothing is left to format.
+    bool NullText(QString &text) const;
+    // The value of a field of bytes: Null clears, text is taken as Latin-1.
+    void SetBytesValue(const QVariant &value);
     [[noreturn]] void AccessError(const char *typeName) const;
     // Notifies the dataset that an attribute shown by controls changed.
     void PropertyChanged(bool layoutAffected);
@@ -233,7 +246,6 @@ public:
     bool FixedChar() const { return m_dataType == ftFixedChar || m_dataType == ftFixedWideChar; }
     void setFixedChar(bool value);
 
-    QVariant Value() const override;
     void setValue(const QVariant &value) override;
     QString AsString() const override;
     // Text longer than Size is cut to Size characters (a Size of 0 sets no limit).
@@ -294,7 +306,6 @@ protected:
     // The pattern for the text asked: DisplayFormat for showing, EditFormat (else DisplayFormat)
     // for editing.
     QString FormatFor(bool displayText) const;
-    void SetText(const QString &text) override;
 
 private:
     QString m_displayFormat;
@@ -314,7 +325,6 @@ public:
     qint32 MinValue() const { return m_minValue; }
     void setMinValue(qint32 value) { m_minValue = value; }
 
-    QVariant Value() const override;
     void setValue(const QVariant &value) override;
     QString AsString() const override;
     void setAsString(const QString &value) override;
@@ -379,7 +389,6 @@ class MATTONI_CORE_EXPORT TLargeintField : public TNumericField
 public:
     explicit TLargeintField(QObject *owner = nullptr) : TNumericField(ftLargeint, owner) {}
 
-    QVariant Value() const override;
     void setValue(const QVariant &value) override;
     QString AsString() const override;
     void setAsString(const QString &value) override;
@@ -419,7 +428,6 @@ public:
     int Precision() const { return m_precision; }
     void setPrecision(int value);
 
-    QVariant Value() const override;
     void setValue(const QVariant &value) override;
     QString AsString() const override;
     void setAsString(const QString &value) override;
@@ -467,7 +475,6 @@ public:
     int Precision() const { return m_precision; }
     void setPrecision(int value) { m_precision = value; }
 
-    QVariant Value() const override;
     void setValue(const QVariant &value) override;
     QString AsString() const override;
     void setAsString(const QString &value) override;
@@ -508,7 +515,6 @@ public:
     QString DisplayValues() const { return m_displayValues; }
     void setDisplayValues(const QString &values);
 
-    QVariant Value() const override;
     void setValue(const QVariant &value) override;
     QString AsString() const override;
     // A text that starts either display value (ignoring case) chooses it; "" clears; anything
@@ -540,7 +546,6 @@ public:
     void setDisplayFormat(const QString &format);
 
     // QDateTime for date-time and time-stamp fields, QDate for date fields, QTime for time fields.
-    QVariant Value() const override;
     void setValue(const QVariant &value) override;
     QString AsString() const override;
     void setAsString(const QString &value) override;
@@ -553,7 +558,6 @@ protected:
     TDateTimeField(TFieldType dataType, QObject *owner);
     void GetText(QString &text, bool displayText) const override;
     int DefaultWidth() const override;
-    QVariant ToVariant(TDateTime value) const;
 
 private:
     QString m_displayFormat;
@@ -589,7 +593,6 @@ class MATTONI_CORE_EXPORT TBinaryField : public TField
     Q_OBJECT
     Q_PROPERTY(int Size READ Size WRITE setSize)
 public:
-    QVariant Value() const override;
     void setValue(const QVariant &value) override;
     // The bytes read as Latin-1 text.
     QString AsString() const override;
@@ -625,7 +628,6 @@ public:
     TFieldType BlobType() const { return m_dataType; }
     bool IsBlob() const override { return true; }
 
-    QVariant Value() const override;
     void setValue(const QVariant &value) override;
     QString AsString() const override;
     void setAsString(const QString &value) override;
@@ -645,7 +647,6 @@ class MATTONI_CORE_EXPORT TMemoField : public TBlobField
 public:
     explicit TMemoField(QObject *owner = nullptr) : TBlobField(ftMemo, owner) {}
 
-    QVariant Value() const override;
     void setValue(const QVariant &value) override;
     QString AsString() const override;
     void setAsString(const QString &value) override;
@@ -678,7 +679,6 @@ class MATTONI_CORE_EXPORT TVariantField : public TField
 public:
     explicit TVariantField(QObject *owner = nullptr) : TVariantField(ftVariant, owner) {}
 
-    QVariant Value() const override { return GetData(); }
     void setValue(const QVariant &value) override;
     QString AsString() const override;
     void setAsString(const QString &value) override { setValue(value); }

@@ -278,12 +278,14 @@ int Column::Compare(RecordId a, RecordId b, bool caseInsensitive) const
     return 0;
 }
 
-quint64 Column::Prefix(RecordId id, bool caseInsensitive) const
+quint64 Column::Prefix(RecordId id, bool caseInsensitive, int offset, bool &complete) const
 {
+    complete = false;
     if (m_nulls[id])
         return 0;
     switch (m_kind) {
     case Storage::Int: case Storage::Bool: case Storage::Curr:
+        complete = true;
         return quint64(m_ints[id]) ^ (quint64(1) << 63);
     case Storage::Float: {
         double d = m_floats[id];
@@ -293,17 +295,23 @@ quint64 Column::Prefix(RecordId id, bool caseInsensitive) const
             d = std::numeric_limits<double>::quiet_NaN();
         quint64 bits;
         std::memcpy(&bits, &d, sizeof bits);
+        complete = true;
         return (bits >> 63) ? ~bits : bits | (quint64(1) << 63);
     }
     case Storage::Text: {
         const QStringView s = m_text.View(id);
         quint64 key = 0;
-        for (int i = 0; i < 4; ++i) {
+        // A text counts as held whole only up to its end: a NUL inside would read as the end.
+        bool whole = s.size() <= offset + 4;
+        for (int i = offset; i < offset + 4; ++i) {
             char16_t c = i < s.size() ? s[i].unicode() : 0;
+            if (c == 0 && i < s.size())
+                whole = false;
             if (caseInsensitive)
                 c = QChar::toCaseFolded(c);
             key = (key << 16) | c;
         }
+        complete = whole;
         return key;
     }
     default:
@@ -496,6 +504,7 @@ void RecordStore::Clear()
     }
     m_filtered.clear();
     m_savedView = SavedView();
+    m_scratch = NoRecord;
     Changed();
 }
 
@@ -518,6 +527,16 @@ int RecordStore::CompareParts(const std::vector<KeyPart> &parts, RecordId a, Rec
             return p.descending ? -c : c;
     }
     return threeWay(m_rank[a], m_rank[b]);
+}
+
+int RecordStore::CompareKeys(const std::vector<KeyPart> &parts, RecordId a, RecordId b) const
+{
+    for (const KeyPart &p : parts) {
+        const int c = m_columns[size_t(p.column)].Compare(a, b, p.caseInsensitive);
+        if (c != 0)
+            return p.descending ? -c : c;
+    }
+    return 0;
 }
 
 int RecordStore::CompareInOrder(RecordId a, RecordId b) const
@@ -587,46 +606,93 @@ void RecordStore::CheckUnique(const QVariantList &values, RecordId self)
     }
 }
 
+int RecordStore::PredictPosition(const QVariantList &values, RecordId before, RecordId self)
+{
+    if (m_scratch == NoRecord) {
+        m_scratch = RecordId(m_alive.size());
+        for (Column &c : m_columns)
+            c.Resize(size_t(m_scratch) + 1);
+        m_alive.push_back(false);
+        m_rank.push_back(0);
+    }
+    SetValues(m_scratch, values);
+    m_rank[m_scratch] = self != NoRecord ? m_rank[self] : RankBefore(before);
+    if (m_filter && !m_filter(m_scratch))
+        return -1;
+    const std::vector<RecordId> &view = View();
+    auto it = std::lower_bound(view.begin(), view.end(), m_scratch,
+                               [&](RecordId a, RecordId b) { return CompareInOrder(a, b) < 0; });
+    int position = int(it - view.begin());
+    if (self != NoRecord) {
+        const int own = ViewPosition(self);
+        if (own >= 0 && own < position)
+            --position;
+    }
+    return position;
+}
+
 void RecordStore::Build(Index &index)
 {
+    // Records start in the default order and the sort is stable, so equal keys keep it.
     std::vector<RecordId> order = m_defaultOrder;
-    if (!index.parts.empty()) {
-        const KeyPart &first = index.parts.front();
-        const Column &column = m_columns[size_t(first.column)];
-        if (column.HasPrefix()) {
-            // Sorting keys that fit in a word first keeps most comparisons inside the array.
-            struct Item
-            {
-                quint64 key;
-                RecordId id;
-            };
-            std::vector<Item> items(order.size());
-            for (size_t i = 0; i < order.size(); ++i) {
-                const quint64 key = column.Prefix(order[i], first.caseInsensitive);
-                items[i] = {first.descending ? ~key : key, order[i]};
+    const std::vector<KeyPart> &parts = index.parts;
+    if (!parts.empty() && m_columns[size_t(parts[0].column)].HasPrefix()) {
+        // Two words of key per record decide most comparisons inside the array: eight characters
+        // of a text, or an exact number and the first word of the next part.
+        struct Item
+        {
+            quint64 first;
+            quint64 second;
+            RecordId id;
+            bool complete;
+        };
+        const Column &c0 = m_columns[size_t(parts[0].column)];
+        const bool exactFirst = c0.Exact();
+        const Column *c1 = exactFirst && parts.size() > 1 && m_columns[size_t(parts[1].column)].HasPrefix()
+            ? &m_columns[size_t(parts[1].column)] : nullptr;
+        std::vector<Item> items(order.size());
+        for (size_t i = 0; i < order.size(); ++i) {
+            const RecordId id = order[i];
+            bool complete = false;
+            quint64 k0 = c0.Prefix(id, parts[0].caseInsensitive, 0, complete);
+            quint64 k1 = 0;
+            if (exactFirst) {
+                bool second = true;
+                if (c1) {
+                    k1 = c1->Prefix(id, parts[1].caseInsensitive, 0, second);
+                    if (parts[1].descending)
+                        k1 = ~k1;
+                }
+                complete = complete && second && parts.size() <= (c1 ? 2u : 1u);
+            } else {
+                k1 = c0.Prefix(id, parts[0].caseInsensitive, 4, complete);
+                complete = complete && parts.size() == 1;
             }
-            std::sort(items.begin(), items.end(), [&](const Item &a, const Item &b) {
-                if (a.key != b.key)
-                    return a.key < b.key;
-                return CompareParts(index.parts, a.id, b.id) < 0;
-            });
-            for (size_t i = 0; i < items.size(); ++i)
-                order[i] = items[i].id;
-        } else {
-            std::sort(order.begin(), order.end(),
-                      [&](RecordId a, RecordId b) { return CompareParts(index.parts, a, b) < 0; });
+            if (parts[0].descending) {
+                k0 = ~k0;
+                if (!exactFirst)
+                    k1 = ~k1;
+            }
+            items[i] = {k0, k1, id, complete};
         }
+        std::stable_sort(items.begin(), items.end(), [&](const Item &a, const Item &b) {
+            if (a.first != b.first)
+                return a.first < b.first;
+            if (a.second != b.second)
+                return a.second < b.second;
+            if (a.complete && b.complete)
+                return false;
+            return CompareKeys(parts, a.id, b.id) < 0;
+        });
+        for (size_t i = 0; i < items.size(); ++i)
+            order[i] = items[i].id;
+    } else if (!parts.empty()) {
+        std::stable_sort(order.begin(), order.end(),
+                         [&](RecordId a, RecordId b) { return CompareKeys(parts, a, b) < 0; });
     }
     if (index.Unique()) {
         for (size_t i = 1; i < order.size(); ++i) {
-            bool same = true;
-            for (const KeyPart &p : index.parts) {
-                if (m_columns[size_t(p.column)].Compare(order[i - 1], order[i], p.caseInsensitive) != 0) {
-                    same = false;
-                    break;
-                }
-            }
-            if (same)
+            if (CompareKeys(parts, order[i - 1], order[i]) == 0)
                 throw EDatabaseError(QString::fromLatin1(DBConsts::SKeyViol));
         }
     }

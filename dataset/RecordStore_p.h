@@ -73,9 +73,12 @@ public:
     QStringView Text(RecordId id) const;
     // Nulls first; texts by UTF-16 code units, optionally ignoring case.
     int Compare(RecordId a, RecordId b, bool caseInsensitive) const;
-    // An order-preserving 64-bit prefix of the value: a < b whenever Prefix(a) < Prefix(b).
-    quint64 Prefix(RecordId id, bool caseInsensitive) const;
+    // An order-preserving 64-bit word of the value: a < b whenever Prefix(a) < Prefix(b). A text
+    // gives four characters from Offset. Complete tells whether the word holds the whole value
+    // (false for Null, whose word 0 it shares with the lowest values).
+    quint64 Prefix(RecordId id, bool caseInsensitive, int offset, bool &complete) const;
     bool HasPrefix() const { return m_kind != Storage::Memo && m_kind != Storage::Bytes && m_kind != Storage::Variant; }
+    bool Exact() const { return m_kind == Storage::Int || m_kind == Storage::Bool || m_kind == Storage::Curr || m_kind == Storage::Float; }
     void Clear();
     size_t MemoryBytes() const;
 
@@ -144,6 +147,9 @@ public:
     QVariant Value(RecordId id, int column) const { return m_columns[size_t(column)].Get(id); }
     // Raises "Key violation" when Values would duplicate the key of a unique index.
     void CheckUnique(const QVariantList &values, RecordId self);
+    // The view position a record with Values will have once inserted before Before (or once
+    // Self is updated with them), -1 when the filter will hide it.
+    int PredictPosition(const QVariantList &values, RecordId before, RecordId self);
 
     // --- indexes ---
     std::vector<std::unique_ptr<Index>> &Indexes() { return m_indexes; }
@@ -181,6 +187,8 @@ private:
     void Build(Index &index);
     void Maintain(Index &index) const;
     int CompareParts(const std::vector<KeyPart> &parts, RecordId a, RecordId b) const;
+    // The parts alone, without the default order.
+    int CompareKeys(const std::vector<KeyPart> &parts, RecordId a, RecordId b) const;
     int CompareValue(const KeyPart &part, RecordId id, const QVariant &value) const;
     std::vector<RecordId>::iterator Find(std::vector<RecordId> &order, const std::vector<KeyPart> &parts, RecordId id);
     void InsertInto(std::vector<RecordId> &order, const std::vector<KeyPart> &parts, RecordId id);
@@ -195,6 +203,8 @@ private:
     // Default order: ranks increase along m_defaultOrder and are unique.
     std::vector<qint64> m_rank;
     std::vector<RecordId> m_defaultOrder;
+    // A slot that is never a record: values are tried there before they are stored.
+    RecordId m_scratch = NoRecord;
     std::vector<std::unique_ptr<Index>> m_indexes;
     Index *m_active = nullptr;
     const std::vector<RecordId> *m_activeOrder;

@@ -2,42 +2,22 @@
 // navigation, editing, indexes, searching, filtering, keys and bookmarks.
 #include "ClientDataSet.h"
 #include "DataSource.h"
+#include "DataTestSupport.h"
 #include "Exceptions.h"
 #include "FormatSettings.h"
 #include "Variants.h"
 
-#include <QSqlDatabase>
-#include <QSqlQuery>
-#include <QTemporaryDir>
 #include <QtTest>
 
+#include <memory>
+
 using namespace mattoni;
+using datatest::column;
+using datatest::errorOf;
 
 namespace {
 
 const char *const Connection = "tst_clientdataset";
-
-QString errorOf(const std::function<void()> &f)
-{
-    try {
-        f();
-    } catch (const Exception &e) {
-        return e.Message();
-    }
-    return QString();
-}
-
-// The values of one field over the dataset, in its current order.
-QStringList column(TDataSet &ds, const QString &field)
-{
-    QStringList values;
-    const TBookmark here = ds.GetBookmark();
-    for (ds.First(); !ds.Eof(); ds.Next())
-        values.append(ds.FieldByName(field)->AsString());
-    if (!here.isEmpty() && ds.BookmarkValid(here))
-        ds.GotoBookmark(here);
-    return values;
-}
 
 } // namespace
 
@@ -46,7 +26,7 @@ class tst_ClientDataSet : public QObject
     Q_OBJECT
 
 private:
-    QTemporaryDir m_dir;
+    std::unique_ptr<datatest::SqliteFile> m_file;
 
     void open(TClientDataSet &ds, const QString &sql = QStringLiteral("SELECT * FROM studenti ORDER BY id"))
     {
@@ -74,30 +54,18 @@ private:
 private slots:
     void initTestCase()
     {
-        QVERIFY(m_dir.isValid());
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QLatin1String(Connection));
-        db.setDatabaseName(m_dir.filePath(QStringLiteral("segreteria.sqlite")));
-        QVERIFY(db.open());
-        QSqlQuery q(db);
-        QVERIFY(q.exec(QStringLiteral("CREATE TABLE studenti (id INTEGER PRIMARY KEY, cognome VARCHAR(30), "
-                                      "nome TEXT, facolta INTEGER, media DOUBLE, attivo BOOLEAN, foto BLOB, "
-                                      "matricola INTEGER)")));
-        const char *const rows[] = {
-            "(1, 'Rossi', 'Mario', 10, 27.5, 1, NULL, 1099511627776)",
-            "(2, 'Bianchi', 'Anna', 20, 29.25, 0, x'0102', 2)",
-            "(3, 'Verdi', NULL, 10, NULL, 1, NULL, 3)",
-            "(4, 'rossi', 'Luca', 30, 18, 1, NULL, 4)",
-            "(5, 'Neri', 'Paola', 20, 30, NULL, NULL, 5)",
-        };
-        for (const char *row : rows)
-            QVERIFY(q.exec(QStringLiteral("INSERT INTO studenti VALUES ") + QLatin1String(row)));
+        m_file = std::make_unique<datatest::SqliteFile>(QLatin1String(Connection), QStringList{
+            "CREATE TABLE studenti (id INTEGER PRIMARY KEY, cognome VARCHAR(30), nome TEXT, facolta INTEGER, "
+            "media DOUBLE, attivo BOOLEAN, foto BLOB, matricola INTEGER)",
+            "INSERT INTO studenti VALUES (1, 'Rossi', 'Mario', 10, 27.5, 1, NULL, 1099511627776)",
+            "INSERT INTO studenti VALUES (2, 'Bianchi', 'Anna', 20, 29.25, 0, x'0102', 2)",
+            "INSERT INTO studenti VALUES (3, 'Verdi', NULL, 10, NULL, 1, NULL, 3)",
+            "INSERT INTO studenti VALUES (4, 'rossi', 'Luca', 30, 18, 1, NULL, 4)",
+            "INSERT INTO studenti VALUES (5, 'Neri', 'Paola', 20, 30, NULL, NULL, 5)"});
+        QCOMPARE(m_file->Error(), QString());
     }
 
-    void cleanupTestCase()
-    {
-        QSqlDatabase::database(QLatin1String(Connection)).close();
-        QSqlDatabase::removeDatabase(QLatin1String(Connection));
-    }
+    void cleanupTestCase() { m_file.reset(); }
 
     void init() { FormatSettings = TFormatSettings::Italian(); }
 
@@ -656,6 +624,46 @@ private slots:
         QCOMPARE(column(ds, QStringLiteral("cognome")), QStringList{"Neri"});
         QCOMPARE(errorOf([&] { ds.setIndexFieldNames(QStringLiteral("INIZIALE")); }),
                  QStringLiteral("Field 'INIZIALE' cannot be used in an index"));
+    }
+
+    void parameters()
+    {
+        TParams params;
+        const QString sql = params.ParseSQL(
+            QStringLiteral("SELECT * FROM t WHERE a = :anno AND b = ':testo' AND c = :Anno AND d::int = :data_1"), true);
+        QCOMPARE(sql, QStringLiteral("SELECT * FROM t WHERE a = ? AND b = ':testo' AND c = ? AND d:int = ?"));
+        QCOMPARE(params.Count(), 2);
+        QCOMPARE(params[1]->Name(), QStringLiteral("data_1"));
+        TParam *anno = params.FindParam(QStringLiteral("ANNO"));
+        QVERIFY(anno && anno->IsNull() && !anno->Bound());
+        QCOMPARE(anno->ParamType(), ptInput);
+        anno->setValue(2013);
+        QCOMPARE(anno->DataType(), ftInteger);
+        QVERIFY(anno->Bound());
+        anno->setAsString(QStringLiteral("2014"));
+        QCOMPARE(anno->DataType(), ftString);
+        QCOMPARE(anno->AsInteger(), 2014);
+        anno->Clear();
+        QVERIFY(anno->IsNull());
+        QCOMPARE(anno->DataType(), ftString);
+        QCOMPARE(anno->AsString(), QString());
+        QCOMPARE(anno->AsFloat(), 0.0);
+        params[1]->setAsDate(38783);
+        QCOMPARE(params[1]->Value(), QVariant(QDate(2006, 3, 7)));
+        QCOMPARE(params[1]->AsDateTime(), 38783.0);
+        params[1]->setAsCurrency(Currency(1.5));
+        QCOMPARE(params[1]->AsCurrency(), Currency(1.5));
+        QCOMPARE(params[1]->DataType(), ftCurrency);
+        params.setParamValues(QStringLiteral("anno;data_1"), QVariantList{1, 2});
+        QCOMPARE(params.ParamValues(QStringLiteral("DATA_1;anno")), QVariant(QVariantList{2, 1}));
+        TParams copy;
+        copy.Assign(params);
+        QCOMPARE(copy.ParamByName(QStringLiteral("anno"))->Value(), QVariant(1));
+        params.ParamByName(QStringLiteral("anno"))->setAsInteger(5);
+        copy.AssignValues(params);
+        QCOMPARE(copy.ParamByName(QStringLiteral("anno"))->AsInteger(), 5);
+        anno->setAsString(QStringLiteral("dieci"));
+        QVERIFY_THROWS_EXCEPTION(EVariantError, anno->AsInteger());
     }
 
     void objectFieldsFromDefinitions()
