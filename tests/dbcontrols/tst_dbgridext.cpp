@@ -10,6 +10,7 @@
 #include "GridTestUtils.h"
 
 #include <QClipboard>
+#include <QComboBox>
 #include <QLineEdit>
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -522,6 +523,45 @@ private slots:
         QVERIFY(!s.grid.ScrollDisabled());
         QCOMPARE(s.grid.currentIndex().row(), 70);
         QVERIFY(s.grid.viewport()->rect().intersects(s.grid.visualRect(s.grid.currentIndex())));
+    }
+
+    // The AutoResize columns share what the others leave of the width, up to their WidthMax.
+    void autoResize()
+    {
+        Students s;
+        TEnhancedColumn *cognome = s.grid.Column(s.col("COGNOME")), *nome = s.grid.Column(s.col("NOME"));
+        cognome->setAutoResize(true);
+        cognome->setWidthMax(400);
+        nome->setAutoResize(true);
+        nome->setWidthMax(90);
+        QVERIFY(s.shown());
+        s.grid.resize(1100, 260);
+        QTRY_COMPARE(nome->Width(), 90);
+        QVERIFY(cognome->Width() > 90 && cognome->Width() <= 400);
+        s.grid.resize(800, 260);
+        QTRY_VERIFY(nome->Width() < 90);
+        QCOMPARE(cognome->Width(), nome->Width());
+        int total = 0;
+        for (const TColumn *c : s.grid.Columns())
+            total += c->Width();
+        QVERIFY(total <= s.grid.viewport()->width());
+    }
+
+    // A column with Values edits through a drop-down list of them.
+    void valuesList()
+    {
+        Students s;
+        s.grid.Column(s.col("CITTA"))->setValues({QStringLiteral("Milano"), QStringLiteral("Napoli"), QStringLiteral("Roma")});
+        QVERIFY(s.shown());
+        ClickCell(s.grid, 0, s.col("CITTA"));
+        ClickCell(s.grid, 0, s.col("CITTA"));
+        auto *combo = s.grid.findChild<QComboBox *>();
+        QVERIFY(combo);
+        QCOMPARE(combo->count(), 3);
+        QCOMPARE(combo->currentText(), QStringLiteral("Roma"));
+        combo->setCurrentIndex(1);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QTRY_COMPARE(s.ds.FieldByName(QStringLiteral("CITTA"))->AsString(), QStringLiteral("Napoli"));
     }
 
     void rowHeight()
