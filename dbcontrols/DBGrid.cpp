@@ -609,6 +609,7 @@ TCustomDBGrid::TCustomDBGrid(QWidget *owner)
     connect(m_model, &TDataSetModel::editError, this, [this](const QString &message) {
         Guard([&] { throw EDatabaseError(message); });
     });
+    connect(qApp, &QApplication::focusChanged, this, &TCustomDBGrid::FocusChanged);
     connect(m_titleBar, &QHeaderView::sectionMoved, this, &TCustomDBGrid::SectionMoved);
     connect(m_titleBar, &QHeaderView::sectionResized, this, &TCustomDBGrid::SectionResized);
     ApplyOptions();
@@ -1392,11 +1393,18 @@ void TCustomDBGrid::focusInEvent(QFocusEvent *event)
 void TCustomDBGrid::focusOutEvent(QFocusEvent *event)
 {
     QTableView::focusOutEvent(event);
-    if (FocusWithin())
+    InvalidateGrid();
+}
+
+// The focus went from the grid or its editor to a widget outside: with dgCancelOnExit an
+// untouched new record goes.
+void TCustomDBGrid::FocusChanged(QWidget *old, QWidget *now)
+{
+    const auto within = [this](QWidget *w) { return w && (w == this || isAncestorOf(w)); };
+    if (!within(old) || within(now))
         return;
     if (TDataSet *ds = DataSet(); ds && m_options.testFlag(dgCancelOnExit) && ds->State() == dsInsert && !ds->Modified())
         Guard([&] { ds->Cancel(); });
-    InvalidateGrid();
 }
 
 void TCustomDBGrid::changeEvent(QEvent *event)

@@ -455,6 +455,7 @@ private:
     void EditorClosed();
     bool EditorKey(QKeyEvent *event);
     bool FocusWithin() const;
+    void FocusChanged(QWidget *old, QWidget *now);
     void UpdateRowHeight();
     int CurrentRow() const;
 

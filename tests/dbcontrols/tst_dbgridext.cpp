@@ -130,6 +130,18 @@ struct Students
     }
 };
 
+// Keys typed where the focus is: on the grid, then in the editor the first key opens.
+void Type(const QString &text)
+{
+    for (const QChar c : text) {
+        QWidget *target = QApplication::focusWidget();
+        if (c == QLatin1Char('\b'))
+            QTest::keyClick(target, Qt::Key_Backspace);
+        else
+            QTest::keyClicks(target, QString(c));
+    }
+}
+
 } // namespace
 
 class tst_DBGridExt : public QObject
@@ -419,19 +431,60 @@ private slots:
         s.grid.Column(s.col(field.toLatin1().constData()))->setValidChar(validChar);
         QVERIFY(s.shown());
         ClickCell(s.grid, 1, s.col(field.toLatin1().constData()));
-        for (const QChar c : typed) {
-            QWidget *target = QApplication::focusWidget();
-            if (c == QLatin1Char('\b'))
-                QTest::keyClick(target, Qt::Key_Backspace);
-            else
-                QTest::keyClicks(target, QString(c));
-        }
+        Type(typed);
         auto *editor = s.grid.findChild<QLineEdit *>();
         QVERIFY(editor);
         QTEST(editor->text(), "editor");
         QTest::keyClick(editor, Qt::Key_Return);
         QFETCH(QString, stored);
         QTRY_COMPARE(s.ds.FieldByName(field)->Text(), stored);
+    }
+
+    // The grid's own keys: Down past the last record appends, Escape cancels, Insert inserts, and
+    // an untouched new record goes when the focus leaves; typing edits, when AutoEdit lets it.
+    void keys()
+    {
+        Students s;
+        QVERIFY(s.shown());
+        const int nome = s.col("NOME");
+        ClickCell(s.grid, 5, nome);
+        QTest::keyClick(&s.grid, Qt::Key_Down);
+        QCOMPARE(s.ds.State(), dsInsert);
+        QCOMPARE(s.grid.currentIndex().row(), 6);
+        QTest::keyClick(&s.grid, Qt::Key_Down);
+        QCOMPARE(s.ds.RowCount(), 7);
+        QTest::keyClick(&s.grid, Qt::Key_Escape);
+        QCOMPARE(s.ds.State(), dsBrowse);
+        QCOMPARE(s.ds.RowCount(), 6);
+
+        ClickCell(s.grid, 2, nome);
+        QTest::keyClick(&s.grid, Qt::Key_Insert);
+        QCOMPARE(s.ds.State(), dsInsert);
+        QCOMPARE(s.grid.currentIndex().row(), 2);
+        QLineEdit elsewhere;
+        elsewhere.show();
+        elsewhere.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&elsewhere));
+        QCOMPARE(s.ds.State(), dsBrowse);
+        QCOMPARE(s.ds.RowCount(), 6);
+
+        s.grid.activateWindow();
+        QVERIFY(s.shown());
+        ClickCell(s.grid, 4, nome);
+        QVERIFY(!s.grid.findChild<QLineEdit *>());
+        Type(QStringLiteral("Zoe"));
+        QCOMPARE(s.ds.State(), dsEdit);
+        QCOMPARE(s.grid.findChild<QLineEdit *>()->text(), QStringLiteral("Zoe"));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        QTRY_VERIFY(!s.grid.findChild<QLineEdit *>());
+        QTest::keyClick(&s.grid, Qt::Key_Escape);
+        QCOMPARE(s.ds.State(), dsBrowse);
+        QCOMPARE(s.ds.FieldByName(QStringLiteral("NOME"))->AsString(), QStringLiteral("Giorgio"));
+
+        s.source.setAutoEdit(false);
+        Type(QStringLiteral("Zoe"));
+        QCOMPARE(s.ds.State(), dsBrowse);
+        QVERIFY(!s.grid.findChild<QLineEdit *>());
     }
 
     void glyphs_data()
