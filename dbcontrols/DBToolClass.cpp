@@ -39,58 +39,101 @@ void TToolDataLink::ActiveChanged()
 }
 
 // ---------------------------------------------------------------------------------------------
-// Watching the components a control refers to: "removed from the form" is their destruction.
+// What both state controls keep
 
-namespace {
+namespace detail {
 
-void Watch(QObject *control, QMetaObject::Connection &watch, QObject *component,
-           const std::function<void(QObject *)> &removed)
+// The data link of a state control, the image list it refers to with its change link, and the
+// watches that let go of either when it is destroyed ("removed from the form").
+class StateLinks
 {
-    QObject::disconnect(watch);
-    if (component)
-        watch = QObject::connect(component, &QObject::destroyed, control, removed);
-}
+public:
+    StateLinks(QObject *control, const TEvent &stateChange, const std::function<void()> &imagesChanged)
+        : m_control(control), m_imagesChanged(imagesChanged)
+    {
+        m_dataLink.OnEditingChanged = stateChange;
+        m_dataLink.OnActiveChanged = stateChange;
+        m_changeLink.OnChange = [this](QObject *) { m_imagesChanged(); };
+    }
 
-} // namespace
+    TDataSource *DataSource() const { return m_dataLink.DataSource(); }
+    void setDataSource(TDataSource *value)
+    {
+        m_dataLink.setDataSource(value);
+        Watch(m_sourceWatch, value);
+    }
+    TCustomImageList *Images() const { return m_images; }
+    void setImages(TCustomImageList *value)
+    {
+        if (m_changeLink.Sender())
+            m_changeLink.Sender()->UnRegisterChanges(&m_changeLink);
+        m_images = value;
+        if (value)
+            value->RegisterChanges(&m_changeLink);
+        Watch(m_imagesWatch, value);
+    }
+
+private:
+    void Watch(QMetaObject::Connection &watch, QObject *component)
+    {
+        QObject::disconnect(watch);
+        if (component)
+            watch = QObject::connect(component, &QObject::destroyed, m_control, [this](QObject *c) { Removed(c); });
+    }
+    // The removed object is already past its own destructor: only pointers are compared here.
+    void Removed(QObject *component)
+    {
+        if (component == static_cast<QObject *>(m_dataLink.DataSource()))
+            m_dataLink.setDataSource(nullptr);
+        if (component == static_cast<QObject *>(m_images)) {
+            m_images = nullptr;
+            m_imagesChanged();
+        }
+    }
+
+    QObject *m_control;
+    std::function<void()> m_imagesChanged;
+    TToolDataLink m_dataLink;
+    TChangeLink m_changeLink;
+    TCustomImageList *m_images = nullptr;
+    QMetaObject::Connection m_sourceWatch;
+    QMetaObject::Connection m_imagesWatch;
+};
+
+} // namespace detail
 
 // ---------------------------------------------------------------------------------------------
 // TDBStateButton
 
+// A toolbar redraws its buttons when its image list changes.
 TDBStateButton::TDBStateButton(QWidget *owner)
-    : QToolButton(owner), m_dataLink(std::make_unique<TToolDataLink>()), m_changeLink(std::make_unique<TChangeLink>())
+    : QToolButton(owner),
+      m_links(std::make_unique<detail::StateLinks>(this, [this] { StateChange(); }, [this] { RefreshControl(); }))
 {
-    m_dataLink->OnEditingChanged = [this] { StateChange(); };
-    m_dataLink->OnActiveChanged = [this] { StateChange(); };
-    // A toolbar redraws its buttons when its image list changes.
-    m_changeLink->OnChange = [this](QObject *) { RefreshControl(); };
 }
 
-TDBStateButton::~TDBStateButton()
-{
-    m_dataLink.reset();
-}
+TDBStateButton::~TDBStateButton() = default;
 
 TDataSource *TDBStateButton::DataSource() const
 {
-    return m_dataLink->DataSource();
+    return m_links->DataSource();
 }
 
 void TDBStateButton::setDataSource(TDataSource *value)
 {
-    m_dataLink->setDataSource(value);
-    Watch(this, m_sourceWatch, value, [this](QObject *c) { ComponentRemoved(c); });
+    m_links->setDataSource(value);
+}
+
+TCustomImageList *TDBStateButton::Images() const
+{
+    return m_links->Images();
 }
 
 void TDBStateButton::setImages(TCustomImageList *value)
 {
-    if (value == m_images)
+    if (value == m_links->Images())
         return;
-    if (m_changeLink->Sender())
-        m_changeLink->Sender()->UnRegisterChanges(m_changeLink.get());
-    m_images = value;
-    if (value)
-        value->RegisterChanges(m_changeLink.get());
-    Watch(this, m_imagesWatch, value, [this](QObject *c) { ComponentRemoved(c); });
+    m_links->setImages(value);
     RefreshControl();
 }
 
@@ -104,7 +147,7 @@ void TDBStateButton::setImageIndex(int value)
 
 void TDBStateButton::StateChange()
 {
-    TDataSource *source = m_dataLink->DataSource();
+    TDataSource *source = m_links->DataSource();
     if (!source)
         return;
     const TDataSetState state = source->State();
@@ -116,7 +159,7 @@ void TDBStateButton::StateChange()
 void TDBStateButton::RefreshControl()
 {
     QPixmap image;
-    if (m_images && m_images->GetBitmap(m_imageIndex, image)) {
+    if (Images() && Images()->GetBitmap(m_imageIndex, image)) {
         setIconSize(image.size());
         setIcon(QIcon(image));
     } else {
@@ -125,82 +168,56 @@ void TDBStateButton::RefreshControl()
     update();
 }
 
-void TDBStateButton::ComponentRemoved(QObject *component)
-{
-    // The removed object is already past its own destructor: only pointers are compared here.
-    if (component == static_cast<QObject *>(m_dataLink->DataSource()))
-        m_dataLink->setDataSource(nullptr);
-    if (component == static_cast<QObject *>(m_images)) {
-        m_images = nullptr;
-        RefreshControl();
-    }
-}
-
 // ---------------------------------------------------------------------------------------------
 // TDBImageState
 
 TDBImageState::TDBImageState(QWidget *owner)
-    : QLabel(owner), m_dataLink(std::make_unique<TToolDataLink>()), m_changeLink(std::make_unique<TChangeLink>()),
-      m_blank(1, 1)
+    : QLabel(owner), m_blank(1, 1),
+      m_links(std::make_unique<detail::StateLinks>(this, [this] { StateChange(); }, [this] { ImageListChange(); }))
 {
-    m_dataLink->OnEditingChanged = [this] { StateChange(); };
-    m_dataLink->OnActiveChanged = [this] { StateChange(); };
-    m_changeLink->OnChange = [this](QObject *sender) { ImageListChange(sender); };
     m_blank.fill(TColorToQColor(clBtnFace));
     setAlignment(Qt::AlignLeft | Qt::AlignTop);
 }
 
-TDBImageState::~TDBImageState()
-{
-    m_changeLink.reset();
-    m_dataLink.reset();
-}
+TDBImageState::~TDBImageState() = default;
 
 TDataSource *TDBImageState::DataSource() const
 {
-    return m_dataLink->DataSource();
+    return m_links->DataSource();
 }
 
 void TDBImageState::setDataSource(TDataSource *value)
 {
-    m_dataLink->setDataSource(value);
-    Watch(this, m_sourceWatch, value, [this](QObject *c) { ComponentRemoved(c); });
+    m_links->setDataSource(value);
+}
+
+TCustomImageList *TDBImageState::Images() const
+{
+    return m_links->Images();
 }
 
 void TDBImageState::setImages(TCustomImageList *value)
 {
-    if (m_changeLink->Sender())
-        m_changeLink->Sender()->UnRegisterChanges(m_changeLink.get());
-    m_images = value;
-    if (value)
-        value->RegisterChanges(m_changeLink.get());
-    Watch(this, m_imagesWatch, value, [this](QObject *c) { ComponentRemoved(c); });
+    m_links->setImages(value);
 }
 
 // Deliberately empty: a new image list shows at the next change of state, not at once.
-void TDBImageState::ImageListChange(QObject *) {}
+void TDBImageState::ImageListChange() {}
 
 void TDBImageState::StateChange()
 {
-    TDataSource *source = m_dataLink->DataSource();
-    if (!source || !m_images)
+    TDataSource *source = m_links->DataSource();
+    TCustomImageList *images = Images();
+    if (!source || !images)
         return;
-    setFixedSize(m_images->Width(), m_images->Height());
+    setFixedSize(images->Width(), images->Height());
     m_picture = m_blank;
     const int state = int(source->State());
-    if (state < m_images->Count())
-        m_images->GetBitmap(state, m_picture);
+    if (state < images->Count())
+        images->GetBitmap(state, m_picture);
     setPixmap(m_picture);
     update();
     setHint(DataSetStateName(source->State()));
-}
-
-void TDBImageState::ComponentRemoved(QObject *component)
-{
-    if (component == static_cast<QObject *>(m_dataLink->DataSource()))
-        m_dataLink->setDataSource(nullptr);
-    if (component == static_cast<QObject *>(m_images))
-        m_images = nullptr;
 }
 
 } // namespace mattoni

@@ -8,7 +8,6 @@
 
 #include <QLabel>
 #include <QPixmap>
-#include <QPointer>
 #include <QToolButton>
 
 #include <functional>
@@ -17,8 +16,11 @@
 
 namespace mattoni {
 
-class TChangeLink;
 class TCustomImageList;
+
+namespace detail {
+class StateLinks;
+}
 
 // What a toolbar button does to its dataset. Nothing in the library dispatches these: they are
 // the shared names that applications build their toolbars on.
@@ -112,7 +114,7 @@ public:
     TDataSource *DataSource() const;
     void setDataSource(TDataSource *value);
     // The images the button takes its picture from, one per dataset state from dsInactive on.
-    TCustomImageList *Images() const { return m_images; }
+    TCustomImageList *Images() const;
     void setImages(TCustomImageList *value);
     int ImageIndex() const { return m_imageIndex; }
     void setImageIndex(int value);
@@ -124,14 +126,8 @@ public:
     void RefreshControl();
 
 private:
-    void ComponentRemoved(QObject *component);
-
-    std::unique_ptr<TToolDataLink> m_dataLink;
-    std::unique_ptr<TChangeLink> m_changeLink;
-    TCustomImageList *m_images = nullptr;
+    std::unique_ptr<detail::StateLinks> m_links;
     int m_imageIndex = -1;
-    QMetaObject::Connection m_sourceWatch;
-    QMetaObject::Connection m_imagesWatch;
 };
 
 // An image that shows the state of its data source's dataset: image number ordinal(State) of its
@@ -150,7 +146,7 @@ public:
 
     TDataSource *DataSource() const;
     void setDataSource(TDataSource *value);
-    TCustomImageList *Images() const { return m_images; }
+    TCustomImageList *Images() const;
     void setImages(TCustomImageList *value);
     QString Hint() const { return toolTip(); }
     void setHint(const QString &value) { setToolTip(value); }
@@ -160,16 +156,11 @@ public:
     void StateChange();
 
 private:
-    void ImageListChange(QObject *sender);
-    void ComponentRemoved(QObject *component);
+    void ImageListChange();
 
-    std::unique_ptr<TToolDataLink> m_dataLink;
-    std::unique_ptr<TChangeLink> m_changeLink;
     QPixmap m_blank;
     QPixmap m_picture;
-    TCustomImageList *m_images = nullptr;
-    QMetaObject::Connection m_sourceWatch;
-    QMetaObject::Connection m_imagesWatch;
+    std::unique_ptr<detail::StateLinks> m_links;
 };
 
 } // namespace mattoni
