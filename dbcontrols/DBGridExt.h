@@ -27,6 +27,7 @@ public:
 using TVertAlignment = DBGridExtTypes::TVertAlignment;
 using enum DBGridExtTypes::TVertAlignment;
 
+using TTitleClickEvent = std::function<void(QObject *Sender, int ACol, TField *Field)>;
 using TCheckTitleBtnEvent = std::function<void(QObject *Sender, int ACol, TField *Field, bool &Enabled)>;
 using TGetCellParamsEvent =
     std::function<void(QObject *Sender, TField *Field, TFont *AFont, TColor &Background, bool Highlight)>;
