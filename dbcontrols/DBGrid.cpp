@@ -609,7 +609,7 @@ TCustomDBGrid::TCustomDBGrid(QWidget *owner)
     connect(m_model, &TDataSetModel::editError, this, [this](const QString &message) {
         Guard([&] { throw EDatabaseError(message); });
     });
-    connect(qApp, &QApplication::focusChanged, this, &TCustomDBGrid::FocusChanged);
+    m_focusWatch = connect(qApp, &QApplication::focusChanged, this, &TCustomDBGrid::FocusChanged);
     connect(m_titleBar, &QHeaderView::sectionMoved, this, &TCustomDBGrid::SectionMoved);
     connect(m_titleBar, &QHeaderView::sectionResized, this, &TCustomDBGrid::SectionResized);
     ApplyOptions();
@@ -618,6 +618,8 @@ TCustomDBGrid::TCustomDBGrid(QWidget *owner)
 
 TCustomDBGrid::~TCustomDBGrid()
 {
+    // QWidget's destructor moves the focus away, when the grid is no grid any more.
+    disconnect(m_focusWatch);
     m_link->Detach();
     m_model->setDataSource(nullptr);
     m_columns.m_clearing = true;

@@ -468,6 +468,7 @@ private:
     Indicator *m_indicator;
     QList<TColumn *> m_viewColumns;
     QPointer<QWidget> m_editor;
+    QMetaObject::Connection m_focusWatch;
 
     TDBGridOptions m_options = DefaultDBGridOptions;
     bool m_readOnly = false;
