@@ -3,7 +3,7 @@
 // Each measure starts from the default order: a click on one string column, and a Shift-click
 // that adds a second column to a sort on the first. Times are the main thread's processor time
 // (the machine may be busy with other work) and, beside them, the wall-clock time.
-//   bench_grid [repetitions, default 9]
+//   bench_grid [repetitions, default 15]
 #include "ClientDataSet.h"
 #include "DBGridExt.h"
 #include "DataSource.h"
@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <ctime>
 #include <functional>
+#include <utility>
 #include <vector>
 
 using namespace mattoni;
@@ -67,20 +68,29 @@ struct Times
     std::vector<double> cpu, wall;
 };
 
-// Milliseconds of Measured, run Repetitions times, each after Reset (not timed).
-Times Time(int repetitions, const std::function<void()> &reset, const std::function<void()> &measured)
+struct Run
 {
-    Times times;
+    std::function<void()> reset;
+    std::function<void()> measured;
+};
+
+// Milliseconds of each run's Measured part (after its Reset, not timed), the runs taking turns
+// so that both meet the same load on a shared machine.
+std::pair<Times, Times> Time(int repetitions, const Run &ours, const Run &reference)
+{
+    std::pair<Times, Times> times;
     for (int i = 0; i < repetitions; ++i) {
-        reset();
-        QCoreApplication::processEvents();
-        QElapsedTimer timer;
-        timer.start();
-        const double start = ThreadMilliseconds();
-        measured();
-        times.cpu.push_back(ThreadMilliseconds() - start);
-        times.wall.push_back(double(timer.nsecsElapsed()) / 1e6);
-        QCoreApplication::processEvents();
+        for (const auto &[run, into] : {std::pair{&ours, &times.first}, std::pair{&reference, &times.second}}) {
+            run->reset();
+            QCoreApplication::processEvents();
+            QElapsedTimer timer;
+            timer.start();
+            const double start = ThreadMilliseconds();
+            run->measured();
+            into->cpu.push_back(ThreadMilliseconds() - start);
+            into->wall.push_back(double(timer.nsecsElapsed()) / 1e6);
+            QCoreApplication::processEvents();
+        }
     }
     return times;
 }
@@ -92,7 +102,7 @@ int main(int argc, char **argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
-    const int repetitions = argc > 1 ? std::max(1, QString::fromLocal8Bit(argv[1]).toInt()) : 9;
+    const int repetitions = argc > 1 ? std::max(1, QString::fromLocal8Bit(argv[1]).toInt()) : 15;
 
     TClientDataSet ds;
     Fill(ds);
@@ -120,27 +130,24 @@ int main(int argc, char **argv)
     struct Case
     {
         const char *name;
-        Times ours, reference;
+        std::pair<Times, Times> times;
     };
     std::vector<Case> cases;
     cases.push_back({"one string column",
-                     Time(repetitions, defaultOrder, [&] { click("COGNOME", Qt::NoModifier); }),
-                     Time(repetitions, defaultOrder, [&] { ds.setIndexFieldNames(QStringLiteral("COGNOME")); })});
+                     Time(repetitions, {defaultOrder, [&] { click("COGNOME", Qt::NoModifier); }},
+                          {defaultOrder, [&] { ds.setIndexFieldNames(QStringLiteral("COGNOME")); }})});
     cases.push_back({"two columns (Shift-click)",
-                     Time(
-                         repetitions,
-                         [&] {
-                             defaultOrder();
-                             click("CITTA", Qt::NoModifier);
-                         },
-                         [&] { click("COGNOME", Qt::ShiftModifier); }),
-                     Time(
-                         repetitions,
-                         [&] {
-                             defaultOrder();
-                             ds.setIndexFieldNames(QStringLiteral("CITTA"));
-                         },
-                         [&] { ds.setIndexFieldNames(QStringLiteral("CITTA;COGNOME")); })});
+                     Time(repetitions,
+                          {[&] {
+                               defaultOrder();
+                               click("CITTA", Qt::NoModifier);
+                           },
+                           [&] { click("COGNOME", Qt::ShiftModifier); }},
+                          {[&] {
+                               defaultOrder();
+                               ds.setIndexFieldNames(QStringLiteral("CITTA"));
+                           },
+                           [&] { ds.setIndexFieldNames(QStringLiteral("CITTA;COGNOME")); }})});
 
     QTextStream out(stdout);
     out << "Title-click sort of " << Rows << " records, median of " << repetitions
@@ -148,10 +155,11 @@ int main(int argc, char **argv)
     out << qSetFieldWidth(28) << Qt::left << "case" << qSetFieldWidth(18) << Qt::right << "title click"
         << "IndexFieldNames" << qSetFieldWidth(8) << "ratio" << qSetFieldWidth(0) << "\n";
     for (const Case &c : cases) {
-        const double ours = Median(c.ours.cpu), reference = Median(c.reference.cpu);
+        const Times &oursTimes = c.times.first, &referenceTimes = c.times.second;
+        const double ours = Median(oursTimes.cpu), reference = Median(referenceTimes.cpu);
         out << qSetFieldWidth(28) << Qt::left << c.name << qSetFieldWidth(18) << Qt::right
-            << QStringLiteral("%1 (%2)").arg(ours, 0, 'f', 1).arg(Median(c.ours.wall), 0, 'f', 1)
-            << QStringLiteral("%1 (%2)").arg(reference, 0, 'f', 1).arg(Median(c.reference.wall), 0, 'f', 1)
+            << QStringLiteral("%1 (%2)").arg(ours, 0, 'f', 1).arg(Median(oursTimes.wall), 0, 'f', 1)
+            << QStringLiteral("%1 (%2)").arg(reference, 0, 'f', 1).arg(Median(referenceTimes.wall), 0, 'f', 1)
             << qSetFieldWidth(8) << QString::number(ours / reference, 'f', 2) << qSetFieldWidth(0) << "\n";
     }
     return 0;
