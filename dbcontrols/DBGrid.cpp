@@ -606,9 +606,7 @@ TCustomDBGrid::TCustomDBGrid(QWidget *owner)
         m_selectedRows.Sort();
         SyncCurrentIndex();
     });
-    connect(m_model, &TDataSetModel::editError, this, [this](const QString &message) {
-        Guard([&] { throw EDatabaseError(message); });
-    });
+    connect(m_model, &TDataSetModel::editError, this, &TCustomDBGrid::ShowError);
     m_focusWatch = connect(qApp, &QApplication::focusChanged, this, &TCustomDBGrid::FocusChanged);
     connect(m_titleBar, &QHeaderView::sectionMoved, this, &TCustomDBGrid::SectionMoved);
     connect(m_titleBar, &QHeaderView::sectionResized, this, &TCustomDBGrid::SectionResized);
@@ -1243,10 +1241,17 @@ void TCustomDBGrid::Guard(const std::function<void()> &f)
         f();
     } catch (const EAbort &) {
     } catch (const Exception &e) {
-        QMessageBox box(QMessageBox::Critical, QApplication::applicationDisplayName(), e.Message(), QMessageBox::Ok,
-                        window());
-        box.exec();
+        ShowError(e.Message());
     }
+}
+
+void TCustomDBGrid::ShowError(const QString &message)
+{
+    // The window may go while the box waits: the box then goes with it.
+    QPointer<QMessageBox> box =
+        new QMessageBox(QMessageBox::Critical, QApplication::applicationDisplayName(), message, QMessageBox::Ok, window());
+    box->exec();
+    delete box;
 }
 
 void TCustomDBGrid::keyPressEvent(QKeyEvent *event)
@@ -1274,7 +1279,7 @@ void TCustomDBGrid::keyPressEvent(QKeyEvent *event)
             return;
         }
         // A typed character edits the record, when the dataset lets it.
-        if (ch.unicode() >= 32 && !m_editor && CanEditShow() && !m_link->Edit()) {
+        if (ch.unicode() >= 32 && !m_editor && CanEditShow() && !EditRecord()) {
             event->accept();
             return;
         }
@@ -1300,6 +1305,14 @@ void TCustomDBGrid::keyReleaseEvent(QKeyEvent *event)
         QTableView::keyReleaseEvent(event);
 }
 
+// Puts the record in edit mode as the data source allows; whether it is being edited now.
+bool TCustomDBGrid::EditRecord()
+{
+    bool editing = false;
+    Guard([&] { editing = m_link->Edit(); });
+    return editing;
+}
+
 // Keys typed into the in-place editor pass through KeyPress like keys typed on the grid.
 bool TCustomDBGrid::EditorKey(QKeyEvent *event)
 {
@@ -1312,7 +1325,7 @@ bool TCustomDBGrid::EditorKey(QKeyEvent *event)
     Guard([&] { KeyPress(ch); });
     if (ch.isNull())
         return true;
-    if ((ch.unicode() >= 32 || ch == QLatin1Char('\b')) && !m_link->Edit())
+    if ((ch.unicode() >= 32 || ch == QLatin1Char('\b')) && !EditRecord())
         return true;
     if (ch != text.at(0)) {
         QKeyEvent changed(event->type(), event->key(), event->modifiers(), QString(ch), event->isAutoRepeat(),

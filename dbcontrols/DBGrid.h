@@ -398,6 +398,7 @@ protected:
     void DrawCellText(QPainter *Canvas, const QRect &Rect, const QString &Text, Qt::Alignment Alignment) const;
     // Runs F, showing an error it raises as the application shows errors: in a message box.
     void Guard(const std::function<void()> &f);
+    void ShowError(const QString &message);
 
     // While disabled, the grid does not follow the dataset's cursor; it catches up when scroll
     // handling resumes.
@@ -454,6 +455,7 @@ private:
     bool FocusField(TField *field);
     void EditorClosed();
     bool EditorKey(QKeyEvent *event);
+    bool EditRecord();
     bool FocusWithin() const;
     void FocusChanged(QWidget *old, QWidget *now);
     void UpdateRowHeight();

@@ -48,8 +48,8 @@ inline QString Rows(TDataSet &ds, const QString &field)
     return values.join(QLatin1Char(','));
 }
 
-// Runs Action, which opens a modal message box; presses the box's OK button and returns the
-// box's text (empty when no box came).
+// Runs Action, which opens a modal message box at once or from the event loop soon after; presses
+// the box's OK button and returns the box's text (empty when no box came).
 inline QString AnswerMessageBox(const std::function<void()> &action)
 {
     QString seen;
@@ -64,6 +64,8 @@ inline QString AnswerMessageBox(const std::function<void()> &action)
     });
     poll.start();
     action();
+    if (seen.isEmpty())
+        (void)QTest::qWaitFor([&] { return !seen.isEmpty(); }, 2000);
     poll.stop();
     return seen;
 }

@@ -487,6 +487,20 @@ private slots:
         QVERIFY(!s.grid.findChild<QLineEdit *>());
     }
 
+    // A value the field refuses is shown to the user; the field keeps its value.
+    void refusedValue()
+    {
+        Students s;
+        QVERIFY(s.shown());
+        ClickCell(s.grid, 1, s.col("ID"));
+        Type(QStringLiteral("x1"));
+        QWidget *editor = QApplication::focusWidget();
+        // The editor's value is written from the event loop, after the key.
+        const QString message = AnswerMessageBox([&] { QTest::keyClick(editor, Qt::Key_Return); });
+        QCOMPARE(message, QStringLiteral("'x1' is not a valid integer value"));
+        QCOMPARE(s.ds.FieldByName(QStringLiteral("ID"))->AsInteger(), 2);
+    }
+
     void glyphs_data()
     {
         QTest::addColumn<TFieldType>("type");
