@@ -52,20 +52,20 @@ void DrawStateImages(TCustomImageList *images)
     }
 }
 
-struct ColumnSpec
+struct ColumnLook
 {
     const char *field;
     const char *title;
     int width;
 };
 
-void AddColumns(TCustomDBGrid *grid, std::initializer_list<ColumnSpec> specs)
+void AddColumns(TCustomDBGrid *grid, std::initializer_list<ColumnLook> looks)
 {
-    for (const ColumnSpec &spec : specs) {
+    for (const ColumnLook &look : looks) {
         TColumn *column = grid->Columns().Add();
-        column->setFieldName(QLatin1String(spec.field));
-        column->Title()->setCaption(QString::fromUtf8(spec.title));
-        column->setWidth(spec.width);
+        column->setFieldName(QLatin1String(look.field));
+        column->Title()->setCaption(QString::fromUtf8(look.title));
+        column->setWidth(look.width);
     }
 }
 
