@@ -480,6 +480,8 @@ QString TSevenZip::storedName(const QString &path) const
         const QString root = IncludeTrailingPathDelimiter(QDir::cleanPath(m_addRootDir));
         if (path.startsWith(root))
             return path.mid(root.size());
+        if (path + QLatin1Char('/') == root)
+            return QString(); // the root folder itself has no name of its own
     }
     return withoutLeadingSlashes(path);
 }

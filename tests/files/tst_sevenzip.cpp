@@ -1,0 +1,398 @@
+// TSevenZip against the real 7-Zip engine, cross-checked with the 7z command-line tool.
+#include "SevenZip.h"
+
+#include "Exceptions.h"
+
+#include <QtTest>
+
+using namespace mattoni;
+
+namespace {
+
+struct ToolResult
+{
+    int exitCode;
+    QString output;
+};
+
+ToolResult tool(const QStringList &args, const QString &workDir = QString())
+{
+    QProcess p;
+    p.setWorkingDirectory(workDir);
+    p.start(QStringLiteral("7z"), args);
+    p.waitForFinished(60000);
+    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
+            QString::fromUtf8(p.readAllStandardOutput() + p.readAllStandardError())};
+}
+
+// The item paths the tool lists, in the archive's order.
+QStringList toolPaths(const QString &archive, const QString &password = QString())
+{
+    const ToolResult r = tool({QStringLiteral("l"), QStringLiteral("-slt"), QStringLiteral("-p") + password, archive});
+    QStringList paths;
+    const QStringList lines = r.output.split(QLatin1Char('\n'));
+    const qsizetype start = lines.indexOf(QStringLiteral("----------"));
+    for (qsizetype i = start + 1; start >= 0 && i < lines.size(); ++i)
+        if (lines[i].startsWith(QLatin1String("Path = ")))
+            paths << lines[i].mid(7);
+    return paths;
+}
+
+QString toolField(const QString &archive, const QString &field, const QString &password = QString())
+{
+    const ToolResult r = tool({QStringLiteral("l"), QStringLiteral("-slt"), QStringLiteral("-p") + password, archive});
+    // The first non-empty value of an item, else of the archive.
+    const QString items = r.output.section(QStringLiteral("----------"), 1);
+    for (const QString &text : {items, r.output})
+        for (const QString &line : text.split(QLatin1Char('\n')))
+            if (line.startsWith(field + QLatin1String(" = ")) && line.size() > field.size() + 3)
+                return line.mid(field.size() + 3);
+    return QString();
+}
+
+bool toolTests(const QString &archive, const QString &password = QString())
+{
+    return tool({QStringLiteral("t"), QStringLiteral("-p") + password, archive}).exitCode == 0;
+}
+
+void writeFile(const QString &path, const QByteArray &data)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile f(path);
+    QVERIFY(f.open(QIODevice::WriteOnly));
+    f.write(data);
+}
+
+QByteArray readFile(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+QByteArray randomBytes(int size, quint32 seed)
+{
+    QRandomGenerator rng(seed);
+    QByteArray data(size, Qt::Uninitialized);
+    rng.fillRange(reinterpret_cast<quint32 *>(data.data()), size / 4);
+    return data;
+}
+
+// Every file below Dir, relative, with its contents.
+QMap<QString, QByteArray> treeOf(const QString &dir)
+{
+    QMap<QString, QByteArray> tree;
+    QDirIterator it(dir, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString path = it.next();
+        tree.insert(QDir(dir).relativeFilePath(path), readFile(path));
+    }
+    return tree;
+}
+
+// A source tree with names in several scripts, an empty file and an empty folder.
+const QMap<QString, QByteArray> &sampleTree()
+{
+    static const QMap<QString, QByteArray> tree = {
+        {QStringLiteral("leggimi.txt"), QByteArray("Segreteria studenti\n").repeated(200)},
+        {QStringLiteral("perché così.txt"), QByteArray("accenti\n")},
+        {QStringLiteral("Ελληνικά/αλφα.txt"), QByteArray("greco\n").repeated(50)},
+        {QStringLiteral("emoji/🎓 laurea.bin"), randomBytes(40000, 7)},
+        {QStringLiteral("vuoto.dat"), QByteArray()},
+    };
+    return tree;
+}
+
+void makeSampleTree(const QString &dir)
+{
+    for (auto it = sampleTree().begin(); it != sampleTree().end(); ++it)
+        writeFile(dir + QLatin1Char('/') + it.key(), it.value());
+    QDir().mkpath(dir + QStringLiteral("/cartella vuota"));
+}
+
+struct Messages
+{
+    QList<qint32> codes;
+    QStringList texts, files;
+    void attach(TSevenZip &z)
+    {
+        z.OnMessage = [this](QObject *, qint32 code, const QString &text, const QString &file) {
+            codes << code;
+            texts << text;
+            files << file;
+        };
+    }
+};
+
+QStringList listed(TSevenZip &z)
+{
+    QStringList names;
+    z.OnListfile = [&](QObject *, const QString &name, qint64, qint64, qint64, qint64, qint64, const QString &,
+                       TDateTime) { names << name; };
+    z.List();
+    z.OnListfile = nullptr;
+    return names;
+}
+
+// Rewrites the 7z start header's CRCs after the closing header was patched.
+void fixHeaderCrcs(QByteArray &archive)
+{
+    auto crc32 = [](const char *p, qsizetype n) {
+        quint32 c = 0xFFFFFFFF;
+        for (qsizetype i = 0; i < n; ++i) {
+            c ^= quint8(p[i]);
+            for (int k = 0; k < 8; ++k)
+                c = (c >> 1) ^ (0xEDB88320 & (0 - (c & 1)));
+        }
+        return ~c;
+    };
+    auto put = [&](int at, quint32 v) {
+        for (int i = 0; i < 4; ++i)
+            archive[at + i] = char(v >> (8 * i));
+    };
+    quint64 offset = 0, size = 0;
+    memcpy(&offset, archive.constData() + 12, 8);
+    memcpy(&size, archive.constData() + 20, 8);
+    put(28, crc32(archive.constData() + 32 + offset, qsizetype(size)));
+    put(8, crc32(archive.constData() + 12, 20));
+}
+
+} // namespace
+
+class tst_SevenZip : public QObject
+{
+    Q_OBJECT
+private:
+    QTemporaryDir m_tmp;
+    QString m_src;
+
+    QString path(const QString &name) const { return m_tmp.filePath(name); }
+
+    // A component set to write Files from the sample tree, names relative to it.
+    void prepareAdd(TSevenZip &z, const QString &archive)
+    {
+        z.setSZFileName(archive);
+        z.setAddRootDir(m_src);
+        z.setAddOptions({AddRecurseDirs, AddSolid});
+        z.Files().AddString(m_src);
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_tmp.isValid());
+        QVERIFY2(!QStandardPaths::findExecutable(QStringLiteral("7z")).isEmpty(), "the 7z tool is needed");
+        m_src = path(QStringLiteral("src"));
+        makeSampleTree(m_src);
+    }
+
+    void errorTable()
+    {
+        const QStringList texts = {"Success", "File not found", "Data Error", "CRC Error", "Unsupported Method",
+                                   "Index out of Range", "User canceled operation", "File is not an 7z SFX archive",
+                                   "SFXModule error ( Not found )", "Could not create SFX", "No files to add",
+                                   "Could not create file"};
+        for (int i = 0; i < texts.size(); ++i)
+            QCOMPARE(TSevenZip::ErrorText(i), texts[i]);
+        QVERIFY(TSevenZip::ErrorText(12).isEmpty());
+        TSevenZip z;
+        Messages m;
+        m.attach(z);
+        z.SetLastError(9);
+        QCOMPARE(z.LastError(), 9);
+        QCOMPARE(z.LastErrorText(), QStringLiteral("Could not create SFX"));
+        QVERIFY(m.codes.isEmpty()); // only stores
+    }
+
+    void engineProperties_data()
+    {
+        using Props = QList<QPair<QString, QVariant>>;
+        QTest::addColumn<int>("type");
+        QTest::addColumn<int>("strength");
+        QTest::addColumn<bool>("solid");
+        QTest::addColumn<int>("dict");
+        QTest::addColumn<int>("ppmdSize");
+        QTest::addColumn<int>("ppmdMem");
+        QTest::addColumn<QString>("password");
+        QTest::addColumn<bool>("encryptNames");
+        QTest::addColumn<Props>("expected");
+        QTest::addColumn<QString>("method"); // as the tool lists it
+        QTest::addColumn<QString>("solidFlag");
+        const QVariant u0 = QVariant::fromValue(0u), u3 = QVariant::fromValue(3u), u5 = QVariant::fromValue(5u),
+                       u7 = QVariant::fromValue(7u), u9 = QVariant::fromValue(9u);
+        QTest::newRow("lzma normal solid") << int(LZMA) << int(NORMAL) << true << 0 << 0 << 0 << QString() << false
+                                           << Props{{"X", u5}, {"s", "on"}} << "LZMA2:" << "+";
+        QTest::newRow("lzma save") << int(LZMA) << int(SAVE) << false << 0 << 0 << 0 << QString() << false
+                                   << Props{{"X", u0}, {"s", "off"}} << "Copy" << "-";
+        QTest::newRow("lzma fast dict 12") << int(LZMA) << int(FAST) << true << 12 << 0 << 0 << QString() << false
+                                           << Props{{"X", u3}, {"s", "on"}, {"d", QVariant::fromValue(12u)}}
+                                           << "LZMA2:12" << "+";
+        QTest::newRow("lzma ultra he") << int(LZMA) << int(ULTRA) << true << 0 << 0 << 0 << "pw" << true
+                                       << Props{{"X", u9}, {"s", "on"}, {"he", "on"}} << "LZMA2:" << "+";
+        QTest::newRow("lzma max, password only")
+            << int(LZMA) << int(MAXIMUM) << true << 0 << 0 << 0 << "pw" << false << Props{{"X", u7}, {"s", "on"}}
+            << "LZMA2:" << "+";
+        QTest::newRow("ppmd default") << int(PPMD) << int(NORMAL) << false << 0 << 0 << 0 << QString() << false
+                                      << Props{{"0", "PPMd"}, {"X", u5}} << "PPMD:o6:mem" << "+";
+        QTest::newRow("ppmd o4 mem 20 he")
+            << int(PPMD) << int(FAST) << true << 0 << 4 << 20 << "pw" << true
+            << Props{{"0", "PPMd"}, {"X", u3}, {"o", QVariant::fromValue(4u)}, {"mem", QVariant::fromValue(20u)},
+                     {"he", "on"}}
+            << "PPMD:o4:mem20 7zAES" << "+";
+        QTest::newRow("strength out of range") << int(LZMA) << 0x85 << true << 0 << 0 << 0 << QString() << false
+                                               << Props{{"X", u5}, {"s", "on"}} << "LZMA2:" << "+";
+    }
+    // The properties handed to the engine, in order, and what the engine made of them.
+    void engineProperties()
+    {
+        QFETCH(int, type);
+        QFETCH(int, strength);
+        QFETCH(bool, solid);
+        QFETCH(int, dict);
+        QFETCH(int, ppmdSize);
+        QFETCH(int, ppmdMem);
+        QFETCH(QString, password);
+        QFETCH(bool, encryptNames);
+        TSevenZip z;
+        const QString archive = path(QStringLiteral("props.7z"));
+        prepareAdd(z, archive);
+        AddOpts options{AddRecurseDirs};
+        if (solid)
+            options.include(AddSolid);
+        if (encryptNames)
+            options.include(AddEncryptFilename);
+        z.setAddOptions(options);
+        z.setLZMACompressType(TCompressType(type));
+        z.setLZMACompressStrength(TCompressStrength(strength));
+        z.setLZMAStrength(dict);
+        z.setLPPMDsize(ppmdSize);
+        z.setLPPMDmem(ppmdMem);
+        z.setPassword(password);
+        QTEST(z.EngineProperties(), "expected");
+
+        QVERIFY(z.Add());
+        QVERIFY(toolTests(archive, password));
+        QFETCH(QString, method);
+        const QString listedMethod = toolField(archive, QStringLiteral("Method"), password);
+        QVERIFY2(listedMethod.contains(method), qPrintable(listedMethod));
+        QTEST(toolField(archive, QStringLiteral("Solid"), password), "solidFlag");
+        // Encrypted names: without the password nothing is listed at all.
+        QCOMPARE(toolPaths(archive).isEmpty(), encryptNames);
+        QFile::remove(archive);
+    }
+
+    void rangeChecks()
+    {
+        TSevenZip z;
+        QVERIFY_THROWS_EXCEPTION(ERangeError, z.setLZMAStrength(28));
+        QVERIFY_THROWS_EXCEPTION(ERangeError, z.setLPPMDmem(32));
+        QVERIFY_THROWS_EXCEPTION(ERangeError, z.setLPPMDsize(1));
+        QVERIFY_THROWS_EXCEPTION(ERangeError, z.setVolumeSize(-1));
+        z.setLPPMDsize(0);
+        z.setLZMAStrength(27);
+        QCOMPARE(z.LZMAStrength(), 27);
+    }
+
+    void roundTrip_data()
+    {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<QString>("password");
+        QTest::addColumn<bool>("encryptNames");
+        QTest::newRow("lzma") << int(LZMA) << QString() << false;
+        QTest::newRow("ppmd") << int(PPMD) << QString() << false;
+        QTest::newRow("password") << int(LZMA) << QStringLiteral("pàss🔑") << false;
+        QTest::newRow("password, encrypted names") << int(PPMD) << QStringLiteral("segreto") << true;
+    }
+    // Names in several scripts survive add, list and extract; the tool agrees on every name.
+    void roundTrip()
+    {
+        QFETCH(int, type);
+        QFETCH(QString, password);
+        QFETCH(bool, encryptNames);
+        TSevenZip z;
+        const QString archive = path(QStringLiteral("round.7z"));
+        prepareAdd(z, archive);
+        if (encryptNames)
+            z.setAddOptions({AddRecurseDirs, AddSolid, AddEncryptFilename});
+        z.setLZMACompressType(TCompressType(type));
+        z.setPassword(password);
+        QVERIFY(z.Add());
+        QVERIFY(toolTests(archive, password));
+
+        QStringList expected = sampleTree().keys();
+        expected << QStringLiteral("cartella vuota") << QStringLiteral("emoji") << QStringLiteral("Ελληνικά");
+        expected.sort();
+        QStringList fromTool = toolPaths(archive, password);
+        fromTool.sort();
+        QCOMPARE(fromTool, expected);
+        QStringList ours = listed(z);
+        ours.sort();
+        QCOMPARE(ours, expected);
+        QCOMPARE(z.NumberOfFiles(), expected.size());
+
+        const QString out = path(QStringLiteral("round-out"));
+        z.setExtrBaseDir(out);
+        QVERIFY(z.Extract());
+        QCOMPARE(treeOf(out), sampleTree());
+        QVERIFY(QFileInfo(out + QStringLiteral("/cartella vuota")).isDir());
+        QVERIFY(z.Extract(true)); // test mode writes nothing new and finds nothing wrong
+        QDir(out).removeRecursively();
+        QFile::remove(archive);
+    }
+
+    void toolArchives_data()
+    {
+        QTest::addColumn<QStringList>("switches");
+        QTest::newRow("lzma mx1") << QStringList{"-m0=LZMA", "-mx1"};
+        QTest::newRow("lzma mx9 non-solid") << QStringList{"-m0=LZMA", "-mx9", "-ms=off"};
+        QTest::newRow("lzma2 mx5 solid") << QStringList{"-mx5", "-ms=on"};
+        QTest::newRow("ppmd mx7") << QStringList{"-m0=PPMd", "-mx7"};
+        QTest::newRow("store, password") << QStringList{"-mx0", "-pchiave"};
+    }
+    // Archives the tool makes list with its names, sizes and CRCs and extract byte for byte.
+    void toolArchives()
+    {
+        QFETCH(QStringList, switches);
+        const QString archive = path(QStringLiteral("tool.7z"));
+        QFile::remove(archive);
+        QCOMPARE(tool(QStringList{"a"} << switches << archive << QStringLiteral("."), m_src).exitCode, 0);
+        TSevenZip z;
+        z.setSZFileName(archive);
+        if (switches.contains(QStringLiteral("-pchiave")))
+            z.setPassword(QStringLiteral("chiave"));
+        QMap<QString, qint64> sizes;
+        QMap<QString, qint64> crcs;
+        z.OnListfile = [&](QObject *sender, const QString &name, qint64, qint64 size, qint64, qint64, qint64 crc,
+                           const QString &, TDateTime) {
+            QCOMPARE(sender, &z);
+            sizes[name] = size;
+            crcs[name] = crc;
+        };
+        QVERIFY(z.List());
+        for (auto it = sampleTree().begin(); it != sampleTree().end(); ++it) {
+            QCOMPARE(sizes.value(it.key(), -1), it.value().size());
+            if (!it.value().isEmpty())
+                QCOMPARE(quint32(crcs.value(it.key())), quint32(crc32Of(it.value())));
+        }
+        const QString out = path(QStringLiteral("tool-out"));
+        z.setExtrBaseDir(out);
+        QVERIFY(z.Extract());
+        QCOMPARE(treeOf(out), sampleTree());
+        QCOMPARE(z.GetIndexByFilename(QStringLiteral("PERCHÉ COSÌ.TXT")) >= 0, true);
+        QDir(out).removeRecursively();
+    }
+
+private:
+    static quint32 crc32Of(const QByteArray &data)
+    {
+        quint32 c = 0xFFFFFFFF;
+        for (char ch : data) {
+            c ^= quint8(ch);
+            for (int k = 0; k < 8; ++k)
+                c = (c >> 1) ^ (0xEDB88320 & (0 - (c & 1)));
+        }
+        return ~c;
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_SevenZip)
+#include "tst_sevenzip.moc"
