@@ -381,6 +381,283 @@ private slots:
         QDir(out).removeRecursively();
     }
 
+    void wrongPassword_data()
+    {
+        QTest::addColumn<bool>("encryptNames");
+        QTest::addColumn<QString>("given");
+        QTest::newRow("data only, wrong") << false << QStringLiteral("sbagliata");
+        QTest::newRow("data only, missing") << false << QString();
+        QTest::newRow("names too, wrong") << true << QStringLiteral("sbagliata");
+        QTest::newRow("names too, missing") << true << QString();
+    }
+    // A wrong or missing password fails with a code and a message, and leaves nothing behind.
+    void wrongPassword()
+    {
+        QFETCH(bool, encryptNames);
+        QFETCH(QString, given);
+        TSevenZip z;
+        const QString archive = path(QStringLiteral("locked.7z"));
+        prepareAdd(z, archive);
+        z.setPassword(QStringLiteral("giusta"));
+        if (encryptNames)
+            z.setAddOptions({AddRecurseDirs, AddSolid, AddEncryptFilename});
+        QVERIFY(z.Add());
+
+        z.setPassword(given);
+        Messages m;
+        m.attach(z);
+        const QString out = path(QStringLiteral("locked-out"));
+        QDir(out).removeRecursively();
+        z.setExtrBaseDir(out);
+        QVERIFY(!z.Extract());
+        QVERIFY(!m.codes.isEmpty());
+        QVERIFY2(m.codes.first() == TSevenZip::ErrDataError || m.codes.first() == TSevenZip::ErrCRCError,
+                 qPrintable(m.texts.first()));
+        QCOMPARE(m.texts.first(), TSevenZip::ErrorText(m.codes.first()));
+        // Neither damaged files nor temporary leftovers; the empty file holds nothing to decrypt.
+        auto tree = treeOf(out);
+        QCOMPARE(tree.take(QStringLiteral("vuoto.dat")), QByteArray());
+        QVERIFY(tree.isEmpty());
+        QCOMPARE(z.List(), !encryptNames);
+        QFile::remove(archive);
+        QDir(out).removeRecursively();
+    }
+
+    void addNames_data()
+    {
+        QTest::addColumn<QString>("rootDir");
+        QTest::addColumn<int>("options");
+        QTest::addColumn<QStringList>("entries");
+        QTest::addColumn<QStringList>("expected");
+        const int recurse = 1 << AddRecurseDirs;
+        QTest::newRow("folder without recursion")
+            << "src" << 0 << QStringList{"src/Ελληνικά"} << QStringList{"Ελληνικά", "Ελληνικά/αλφα.txt"};
+        QTest::newRow("wildcard, recursive")
+            << "src" << recurse << QStringList{"src/*.txt"}
+            << QStringList{"leggimi.txt", "perché così.txt", "Ελληνικά/αλφα.txt"};
+        QTest::newRow("wildcard, flat") << "src" << 0 << QStringList{"src/*.txt"}
+                                        << QStringList{"leggimi.txt", "perché così.txt"};
+        QTest::newRow("only file names") << "src" << (recurse | 1 << AddStoreOnlyFilename)
+                                         << QStringList{"src/emoji", "src/vuoto.dat"}
+                                         << QStringList{"vuoto.dat", "🎓 laurea.bin"};
+        QTest::newRow("file outside the root") << "src/emoji" << 0 << QStringList{"src/vuoto.dat"}
+                                               << QStringList{"@/src/vuoto.dat"};
+        QTest::newRow("full paths") << "src" << (1 << AddIncludeDriveLetter) << QStringList{"src/vuoto.dat"}
+                                    << QStringList{"@/src/vuoto.dat"};
+    }
+    // How the root folder and the options shape stored names ("@" stands for the test folder
+    // without its leading "/").
+    void addNames()
+    {
+        QFETCH(QString, rootDir);
+        QFETCH(int, options);
+        QFETCH(QStringList, entries);
+        QFETCH(QStringList, expected);
+        TSevenZip z;
+        const QString archive = path(QStringLiteral("names.7z"));
+        z.setSZFileName(archive);
+        z.setAddRootDir(path(rootDir));
+        AddOpts opts;
+        for (int i = 0; i < 5; ++i)
+            if (options & (1 << i))
+                opts.include(AddOptsEnum(i));
+        z.setAddOptions(opts);
+        for (const QString &e : entries)
+            z.Files().AddString(path(e));
+        QVERIFY(z.Add());
+        QStringList names = toolPaths(archive);
+        names.sort();
+        const QString at = m_tmp.path().mid(1);
+        for (QString &e : expected)
+            e.replace(QLatin1Char('@'), at);
+        expected.sort();
+        QCOMPARE(names, expected);
+        QFile::remove(archive);
+    }
+
+    void nothingToAdd()
+    {
+        TSevenZip z;
+        Messages m;
+        m.attach(z);
+        z.setSZFileName(path(QStringLiteral("none.7z")));
+        z.Files().AddString(path(QStringLiteral("manca.txt")));
+        QVERIFY(!z.Add());
+        QCOMPARE(m.codes, (QList<qint32>{TSevenZip::ErrFileNotFound, TSevenZip::ErrNoFilesToAdd}));
+        QCOMPARE(m.files.first(), path(QStringLiteral("manca.txt")));
+        QVERIFY(!QFileInfo::exists(path(QStringLiteral("none.7z"))));
+    }
+
+    void renameEvents()
+    {
+        TSevenZip z;
+        const QString archive = path(QStringLiteral("renamed.7z"));
+        prepareAdd(z, archive);
+        z.Files().Clear();
+        z.Files().AddString(m_src + QStringLiteral("/leggimi.txt"));
+        QList<quint32> indexes;
+        z.OnSetAddName = [&](QObject *, quint32 index, QString &name) {
+            indexes << index;
+            name = QStringLiteral("dati/") + name.toUpper();
+        };
+        QVERIFY(z.Add());
+        QCOMPARE(indexes, QList<quint32>{0});
+        QCOMPARE(toolPaths(archive), QStringList{"dati/LEGGIMI.TXT"});
+        z.OnSetExtractName = [&](QObject *, quint32, QString &name) { name = QStringLiteral("altro.txt"); };
+        z.setExtrBaseDir(path(QStringLiteral("renamed-out")));
+        QVERIFY(z.Extract());
+        QCOMPARE(treeOf(z.ExtrBaseDir()).keys(), QStringList{"altro.txt"});
+        QCOMPARE(z.GetIndexByFilename(QStringLiteral("Dati/Leggimi.txt")), 0);
+        Messages m;
+        m.attach(z);
+        QCOMPARE(z.GetIndexByFilename(QStringLiteral("assente")), -1);
+        QCOMPARE(m.codes, QList<qint32>{TSevenZip::ErrIndexOutOfRange});
+    }
+
+    void overwrite_data()
+    {
+        QTest::addColumn<bool>("optionSet");
+        QTest::addColumn<bool>("answer");
+        QTest::addColumn<bool>("asked");
+        QTest::addColumn<bool>("replaced");
+        QTest::newRow("asked, keep") << false << false << true << false;
+        QTest::newRow("asked, replace") << false << true << true << true;
+        QTest::newRow("option set") << true << false << false << true;
+    }
+    // OnExtractOverwrite is asked before replacing a file unless ExtractOverwrite is set.
+    void overwrite()
+    {
+        QFETCH(bool, optionSet);
+        QFETCH(bool, answer);
+        TSevenZip z;
+        const QString archive = path(QStringLiteral("over.7z"));
+        prepareAdd(z, archive);
+        QVERIFY(z.Add());
+        const QString out = path(QStringLiteral("over-out"));
+        const QString target = out + QStringLiteral("/leggimi.txt");
+        writeFile(target, "vecchio");
+        z.setExtrBaseDir(out);
+        z.setExtractOptions(optionSet ? ExtractOpts{ExtractOverwrite} : ExtractOpts{});
+        QStringList asked;
+        z.OnExtractOverwrite = [&](QObject *, const QString &name, bool &doOverwrite) {
+            asked << name;
+            doOverwrite = answer;
+        };
+        QVERIFY(z.Extract());
+        QFETCH(bool, replaced);
+        QCOMPARE(readFile(target), replaced ? sampleTree().value("leggimi.txt") : QByteArray("vecchio"));
+        QTEST(asked == QStringList{target}, "asked");
+        QDir(out).removeRecursively();
+    }
+
+    void extractNoPath()
+    {
+        TSevenZip z;
+        const QString archive = path(QStringLiteral("flat.7z"));
+        prepareAdd(z, archive);
+        QVERIFY(z.Add());
+        z.setExtrBaseDir(path(QStringLiteral("flat-out")));
+        z.setExtractOptions({ExtractNoPath});
+        QVERIFY(z.Extract());
+        const auto tree = treeOf(z.ExtrBaseDir());
+        QCOMPARE(tree.value("🎓 laurea.bin"), sampleTree().value("emoji/🎓 laurea.bin"));
+        QCOMPARE(tree.size(), sampleTree().size());
+    }
+
+    // Names with "..", absolute names and a link out of the folder never write outside it.
+    void hostileNames()
+    {
+        TSevenZip z;
+        const QString archive = path(QStringLiteral("hostile.7z"));
+        z.setSZFileName(archive);
+        z.setAddOptions({AddStoreOnlyFilename});
+        const QStringList stored = {"../fuori.txt", "a/../../fuori2.txt", "/tmp/assoluto-" + QString::number(QCoreApplication::applicationPid()) + ".txt",
+                                    "link/dentro.txt", "buono.txt"};
+        for (int i = 0; i < stored.size(); ++i) {
+            writeFile(path(QStringLiteral("h%1/f.txt").arg(i)), "x");
+            z.Files().AddString(path(QStringLiteral("h%1/f.txt").arg(i)));
+        }
+        z.OnSetAddName = [&](QObject *, quint32 index, QString &name) { name = stored[int(index)]; };
+        QVERIFY(z.Add());
+        QCOMPARE(toolPaths(archive).size(), stored.size());
+
+        const QString base = path(QStringLiteral("jail/in"));
+        const QString outside = path(QStringLiteral("jail/out"));
+        QDir().mkpath(base);
+        QDir().mkpath(outside);
+        QVERIFY(QFile::link(outside, base + QStringLiteral("/link")));
+        Messages m;
+        m.attach(z);
+        z.setExtrBaseDir(base);
+        QVERIFY(!z.Extract());
+        QVERIFY(treeOf(outside).isEmpty());
+        QVERIFY(treeOf(path(QStringLiteral("jail"))).keys().contains("in/buono.txt"));
+        QCOMPARE(treeOf(base).value("tmp/assoluto-" + QString::number(QCoreApplication::applicationPid()) + ".txt"), QByteArray("x"));
+        QVERIFY(!QFileInfo::exists(path(QStringLiteral("fuori.txt"))));
+        QVERIFY(!QFileInfo::exists(m_tmp.path() + QStringLiteral("/../fuori2.txt")));
+        QCOMPARE(m.codes, (QList<qint32>{TSevenZip::ErrCreateFile, TSevenZip::ErrCreateFile, TSevenZip::ErrCreateFile}));
+    }
+
+    void damaged_data()
+    {
+        QTest::addColumn<QString>("damage");
+        QTest::addColumn<int>("code");
+        QTest::newRow("truncated") << "truncate" << int(TSevenZip::ErrDataError);
+        QTest::newRow("bad crc") << "crc" << int(TSevenZip::ErrCRCError);
+        QTest::newRow("unsupported method") << "method" << int(TSevenZip::ErrUnsupportedMethod);
+        QTest::newRow("not an archive") << "garbage" << int(TSevenZip::ErrDataError);
+    }
+    // Stored, unpacked headers let the test damage exactly one thing.
+    void damaged()
+    {
+        QFETCH(QString, damage);
+        const QString archive = path(QStringLiteral("damaged.7z"));
+        QFile::remove(archive);
+        QCOMPARE(tool({"a", "-m0=Copy", "-mhc=off", archive, "leggimi.txt"}, m_src).exitCode, 0);
+        QByteArray bytes = readFile(archive);
+        if (damage == QLatin1String("truncate")) {
+            bytes.chop(bytes.size() / 3);
+        } else if (damage == QLatin1String("crc")) {
+            bytes[40] = char(bytes[40] ^ 0x55);
+        } else if (damage == QLatin1String("method")) {
+            // The folder's single coder: one-byte id 00 (Copy) becomes an id no engine knows.
+            const qsizetype at = bytes.indexOf(QByteArray::fromHex("0b0100010100"));
+            QVERIFY(at > 0);
+            bytes[at + 5] = char(0x7F);
+            fixHeaderCrcs(bytes);
+        } else {
+            bytes = QByteArray("non sono un archivio").repeated(10);
+        }
+        QFile f(archive);
+        QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        f.write(bytes);
+        f.close();
+
+        TSevenZip z;
+        Messages m;
+        m.attach(z);
+        z.setSZFileName(archive);
+        z.setExtrBaseDir(path(QStringLiteral("damaged-out")));
+        QVERIFY(!z.Extract());
+        QFETCH(int, code);
+        QVERIFY(!m.codes.isEmpty());
+        QCOMPARE(m.codes.first(), code);
+        QCOMPARE(m.texts.first(), TSevenZip::ErrorText(code));
+        QVERIFY(!treeOf(z.ExtrBaseDir()).contains("leggimi.txt"));
+        QVERIFY(treeOf(z.ExtrBaseDir()).isEmpty());
+    }
+
+    void missingArchive()
+    {
+        TSevenZip z;
+        Messages m;
+        m.attach(z);
+        z.setSZFileName(path(QStringLiteral("manca.7z")));
+        QVERIFY(!z.List());
+        QCOMPARE(z.LastError(), TSevenZip::ErrFileNotFound);
+        QCOMPARE(m.files, QStringList{path(QStringLiteral("manca.7z"))});
+    }
+
 private:
     static quint32 crc32Of(const QByteArray &data)
     {
