@@ -149,6 +149,25 @@ void ProgressTracker::setCurrent(const QString &name, qint64 size)
 {
     m_name = name;
     m_size = size;
+    if (m_reported)
+        announceFirstItem();
+}
+
+// OnAddfile or OnExtractfile, once: on the first progress report, or, since the engine may
+// report before it opens any item (a multi-threaded decoder opens its first output late), as
+// soon as the first item is open after that report. The position is the whole operation's,
+// not the file's, so later files are followed through OnProgress.
+void ProgressTracker::announceFirstItem()
+{
+    if (m_announced || m_name.isEmpty())
+        return;
+    m_announced = true;
+    if (m_adding) {
+        if (m_owner->OnAddfile)
+            m_owner->OnAddfile(m_owner, m_name, m_size);
+    } else if (m_owner->OnExtractfile) {
+        m_owner->OnExtractfile(m_owner, m_name, m_size);
+    }
 }
 
 HRESULT ProgressTracker::setTotal(quint64 total)
@@ -166,16 +185,8 @@ HRESULT ProgressTracker::setCompleted(const quint64 *completeValue)
         return S_OK;
     bool abort = false;
     const bool ok = m_thread.call([&] {
-        // Only the very first reports, while nothing has been processed yet, name a file: the
-        // position is the whole operation's, not the file's. Hosts follow files through OnProgress.
-        if (m_archivePos == 0) {
-            if (m_adding) {
-                if (m_owner->OnAddfile)
-                    m_owner->OnAddfile(m_owner, m_name, m_size);
-            } else if (m_owner->OnExtractfile) {
-                m_owner->OnExtractfile(m_owner, m_name, m_size);
-            }
-        }
+        m_reported = true;
+        announceFirstItem();
         const qint64 reported = qint64(*completeValue);
         m_archivePos += reported - m_lastReport;
         m_lastReport = reported;

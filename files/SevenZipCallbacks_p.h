@@ -54,14 +54,19 @@ class ProgressTracker
 {
 public:
     ProgressTracker(TSevenZip *owner, OwnerThread &thread, bool adding);
+    // The item being processed; called on the owner thread.
     void setCurrent(const QString &name, qint64 size);
     HRESULT setTotal(quint64 total);
     HRESULT setCompleted(const quint64 *completeValue);
 
 private:
+    void announceFirstItem();
+
     TSevenZip *m_owner;
     OwnerThread &m_thread;
     bool m_adding;
+    bool m_reported = false;
+    bool m_announced = false;
     QString m_name;
     qint64 m_size = 0;
     qint64 m_archivePos = 0;

@@ -658,6 +658,214 @@ private slots:
         QCOMPARE(m.files, QStringList{path(QStringLiteral("manca.7z"))});
     }
 
+    // Split archives: written at VolumeSize, tested by the tool, read back from their volumes;
+    // a missing volume is asked for through OnOpenVolume.
+    void volumes()
+    {
+        const QString dir = path(QStringLiteral("vol"));
+        QDir().mkpath(dir);
+        TSevenZip z;
+        prepareAdd(z, dir + QStringLiteral("/parti.7z"));
+        z.setLZMACompressStrength(SAVE);
+        z.setVolumeSize(10000);
+        QVERIFY(z.Add());
+        const QStringList volumes = z.NamesOfVolumesWritten().toStringList();
+        QCOMPARE(volumes.size(), 5); // 44 KB stored
+        for (int i = 0; i < volumes.size(); ++i) {
+            QCOMPARE(volumes[i], dir + QStringLiteral("/parti.7z.00%1").arg(i + 1));
+            QVERIFY(QFileInfo(volumes[i]).size() <= 10000);
+        }
+        QVERIFY(!QFileInfo::exists(dir + QStringLiteral("/parti.7z")));
+        QVERIFY(toolTests(volumes.first()));
+        z.ClearNamesOfVolumeWritten();
+        QCOMPARE(z.NamesOfVolumesWritten().Count(), 0);
+
+        z.setExtrBaseDir(path(QStringLiteral("vol-out")));
+        QVERIFY(z.Extract()); // SZFileName still "parti.7z": its volumes are found
+        QCOMPARE(treeOf(z.ExtrBaseDir()), sampleTree());
+        QDir(z.ExtrBaseDir()).removeRecursively();
+
+        // The last volume moved elsewhere: the handler is asked for it first and points to it.
+        const QString moved = path(QStringLiteral("vol-moved.005"));
+        QVERIFY(QFile::rename(volumes.last(), moved));
+        QStringList asked;
+        z.OnOpenVolume = [&](QString &name, bool removable, bool &cancel) {
+            QVERIFY(!removable);
+            asked << name;
+            name = moved;
+            cancel = false;
+        };
+        QVERIFY(z.Extract());
+        QCOMPARE(asked, QStringList{volumes.last()});
+        QCOMPARE(treeOf(z.ExtrBaseDir()), sampleTree());
+
+        Messages m;
+        m.attach(z);
+        z.OnOpenVolume = [&](QString &, bool, bool &cancel) { cancel = true; };
+        QVERIFY(!z.List());
+        QCOMPARE(m.codes, QList<qint32>{TSevenZip::ErrFileNotFound});
+        QCOMPARE(m.files, QStringList{volumes.last()});
+        QVERIFY(QFile::rename(moved, volumes.last()));
+
+        // Volumes the tool splits read the same way.
+        const QString toolBase = dir + QStringLiteral("/tool.7z");
+        QCOMPARE(tool({"a", "-v7k", "-mx1", toolBase, "."}, m_src).exitCode, 0);
+        TSevenZip r;
+        r.setSZFileName(toolBase + QStringLiteral(".001"));
+        r.setExtrBaseDir(path(QStringLiteral("vol-tool-out")));
+        QVERIFY(r.Extract());
+        QCOMPARE(treeOf(r.ExtrBaseDir()), sampleTree());
+    }
+
+    // A self-extracting file runs and extracts; the conversions give back the archive.
+    void selfExtracting()
+    {
+        const QString dir = path(QStringLiteral("sfx"));
+        QDir().mkpath(dir);
+        TSevenZip z;
+        prepareAdd(z, dir + QStringLiteral("/setup.7z"));
+        z.setSFXCreate(true);
+        QCOMPARE(z.SFXModule(), QStringLiteral("7z.sfx"));
+        QVERIFY(z.Add());
+        const QString exe = dir + QStringLiteral("/setup.exe");
+        QVERIFY(QFileInfo(exe).isExecutable());
+        QVERIFY(!QFileInfo::exists(dir + QStringLiteral("/setup.7z")));
+        QProcess run;
+        run.start(exe, {QStringLiteral("-o") + dir + QStringLiteral("/run-out"), QStringLiteral("-y")});
+        QVERIFY(run.waitForFinished(30000));
+        QCOMPARE(run.exitCode(), 0);
+        QCOMPARE(treeOf(dir + QStringLiteral("/run-out")), sampleTree());
+
+        const qint64 stubSize = QFileInfo(z.SFXModulePath()).size();
+        QCOMPARE(z.SFXCheck(exe), stubSize - TSevenZip::SFXSearchStart);
+        QVERIFY(z.ConvertSFXto7z(exe));
+        const QByteArray archive = readFile(dir + QStringLiteral("/setup.7z"));
+        QCOMPARE(archive, readFile(exe).mid(stubSize));
+        QVERIFY(toolTests(dir + QStringLiteral("/setup.7z")));
+
+        // And back again: the stub and the archive, byte for byte.
+        QVERIFY(QFile::remove(exe));
+        QVERIFY(z.Convert7ztoSFX(dir + QStringLiteral("/setup.7z")));
+        QCOMPARE(readFile(exe), readFile(z.SFXModulePath()) + archive);
+        QVERIFY(QFileInfo(exe).isExecutable());
+
+        Messages m;
+        m.attach(z);
+        QVERIFY(!z.Convert7ztoSFX(dir + QStringLiteral("/setup.7z"))); // the output exists
+        QCOMPARE(z.SFXCheck(dir + QStringLiteral("/setup.7z")), -1);
+        z.setSFXModule(dir + QStringLiteral("/manca.sfx"));
+        QVERIFY(QFile::remove(exe));
+        QVERIFY(!z.Convert7ztoSFX(dir + QStringLiteral("/setup.7z")));
+        z.setVolumeSize(100000);
+        QVERIFY(!z.Add());
+        QCOMPARE(m.codes, (QList<qint32>{TSevenZip::ErrSFXModule, TSevenZip::ErrNotSFX, TSevenZip::ErrSFXModule,
+                                         TSevenZip::ErrCreateSFX}));
+        QCOMPARE(m.texts.at(1), QStringLiteral("File is not an 7z SFX archive"));
+    }
+
+    // OnPreProgress gives the total, OnAddfile names the first file, positions only grow and
+    // end at the total; a cancel answers the engine with a failure and leaves no output.
+    void progressAndCancel_data()
+    {
+        QTest::addColumn<bool>("adding");
+        QTest::newRow("add") << true;
+        QTest::newRow("extract") << false;
+    }
+    void progressAndCancel()
+    {
+        QFETCH(bool, adding);
+        const QString archive = path(QStringLiteral("progress.7z"));
+        const QString big = path(QStringLiteral("progress-src/grande.bin"));
+        writeFile(big, randomBytes(3 << 20, 11));
+        TSevenZip z;
+        z.setSZFileName(archive);
+        z.setAddRootDir(path(QStringLiteral("progress-src")));
+        z.Files().AddString(big);
+        z.setLZMACompressStrength(FAST);
+        if (!adding)
+            QVERIFY(z.Add());
+        z.setExtrBaseDir(path(QStringLiteral("progress-out")));
+        auto run = [&] { return adding ? z.Add() : z.Extract(); };
+
+        qint64 total = -1;
+        QStringList started;
+        QList<qint64> positions;
+        z.OnPreProgress = [&](QObject *, qint64 max) { total = max; };
+        auto startedHandler = [&](QObject *, const QString &name, qint64 size) {
+            QCOMPARE(size, qint64(3 << 20));
+            started << name;
+        };
+        z.OnAddfile = startedHandler;
+        z.OnExtractfile = startedHandler;
+        z.OnProgress = [&](QObject *, const QString &, qint64 arcPos, qint64 filePos) {
+            QCOMPARE(arcPos, filePos);
+            positions << arcPos;
+        };
+        QVERIFY(run());
+        QCOMPARE(total, qint64(3 << 20));
+        QVERIFY(!started.isEmpty());
+        QCOMPARE(started.first(), adding ? big : QStringLiteral("grande.bin"));
+        QVERIFY(std::is_sorted(positions.begin(), positions.end()));
+        QCOMPARE(positions.last(), total);
+
+        Messages m;
+        m.attach(z);
+        z.OnProgress = [&](QObject *, const QString &, qint64, qint64) { z.Cancel(); };
+        QDir(z.ExtrBaseDir()).removeRecursively();
+        QVERIFY(!run());
+        QCOMPARE(z.LastError(), TSevenZip::ErrUserCanceled);
+        QCOMPARE(m.codes, QList<qint32>{TSevenZip::ErrUserCanceled});
+        QCOMPARE(m.texts, QStringList{"User canceled operation"});
+        if (adding)
+            QVERIFY(!QFileInfo::exists(archive));
+        else
+            QVERIFY(treeOf(z.ExtrBaseDir()).isEmpty());
+        // The flag stays until ResetCancel.
+        z.OnProgress = nullptr;
+        QVERIFY(!run());
+        z.ResetCancel();
+        QVERIFY(run());
+        QFile::remove(archive);
+    }
+
+    // A handler that throws stops the engine, removes the output and reaches the caller.
+    void handlerException()
+    {
+        TSevenZip z;
+        const QString archive = path(QStringLiteral("throws.7z"));
+        prepareAdd(z, archive);
+        z.OnProgress = [](QObject *, const QString &, qint64, qint64) { throw EAbort(QStringLiteral("basta")); };
+        QVERIFY_THROWS_EXCEPTION(EAbort, z.Add());
+        QVERIFY(!QFileInfo::exists(archive));
+        z.OnProgress = nullptr;
+        QVERIFY(z.Add()); // the component is usable again
+    }
+
+    void loading_data()
+    {
+        QTest::addColumn<QString>("library");
+        QTest::addColumn<QString>("message");
+        const QString notFound = QStringLiteral("Could not load CreateObject function from 7za.dll\r\nPerhaps 7za.dll not found");
+        QTest::newRow("missing") << path(QStringLiteral("nessuno/7z.so")) << notFound;
+        QTest::newRow("no entry point") << QStringLiteral("libz.so.1") << notFound;
+        QTest::newRow("other interface layout") << QStringLiteral(BAD_ENGINE) << QStringLiteral("interface layout");
+    }
+    void loading()
+    {
+        QFETCH(QString, library);
+        QFETCH(QString, message);
+        TSevenZip z;
+        z.setSZFileName(path(QStringLiteral("qualsiasi.7z")));
+        SevenZipLibrary = library;
+        auto restore = qScopeGuard([] { SevenZipLibrary.clear(); });
+        try {
+            z.List();
+            QFAIL("no exception");
+        } catch (const EOSError &e) {
+            QVERIFY2(e.Message() == message || e.Message().contains(message), qPrintable(e.Message()));
+        }
+    }
+
 private:
     static quint32 crc32Of(const QByteArray &data)
     {
