@@ -90,7 +90,8 @@ class MATTONI_CORE_EXPORT TSevenZip : public QObject
 public:
     enum TCompressType { LZMA, PPMD };
     Q_ENUM(TCompressType)
-    enum TCompressStrength { SAVE, FAST, NORMAL, MAXIMUM, ULTRA };
+    // Stored as a full integer: a value outside the list still reaches the engine as level 5.
+    enum TCompressStrength : int { SAVE, FAST, NORMAL, MAXIMUM, ULTRA };
     Q_ENUM(TCompressStrength)
     enum AddOptsEnum { AddRecurseDirs, AddSolid, AddStoreOnlyFilename, AddIncludeDriveLetter, AddEncryptFilename };
     Q_ENUM(AddOptsEnum)

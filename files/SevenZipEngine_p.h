@@ -143,6 +143,18 @@ inline constexpr PROPID kModuleInterfaceType = 0;
 inline constexpr PROPID kModuleVersion = 1;
 inline constexpr quint32 kInterfaceVirtDestructorNo = 0;
 
+} // namespace mattoni::engine7z
+
+// The interfaces keep the engine's own names in the global namespace: objects cross the library
+// boundary in both directions, and the run-time type checks of the sanitizers match types by name.
+using mattoni::engine7z::BSTR;
+using mattoni::engine7z::GUID;
+using mattoni::engine7z::HRESULT;
+using mattoni::engine7z::PROPID;
+using mattoni::engine7z::PROPVARIANT;
+using mattoni::engine7z::ULONG;
+using mattoni::engine7z::VARTYPE;
+
 struct IUnknown
 {
     virtual HRESULT QueryInterface(const GUID &iid, void **outObject) = 0;
@@ -246,6 +258,25 @@ struct ISetProperties : IUnknown
 {
     virtual HRESULT SetProperties(const wchar_t *const *names, const PROPVARIANT *values, quint32 numProps) = 0;
 };
+
+namespace mattoni::engine7z {
+
+using ::ICompressProgressInfo;
+using ::ICryptoGetTextPassword;
+using ::ICryptoGetTextPassword2;
+using ::IArchiveExtractCallback;
+using ::IArchiveOpenCallback;
+using ::IArchiveUpdateCallback;
+using ::IInArchive;
+using ::IInStream;
+using ::IOutArchive;
+using ::IOutStream;
+using ::IProgress;
+using ::ISequentialInStream;
+using ::ISequentialOutStream;
+using ::ISetProperties;
+using ::IStreamGetSize;
+using ::IUnknown;
 
 // Exports of the engine library.
 using Func_CreateObject = HRESULT (*)(const GUID *clsID, const GUID *iid, void **outObject);
