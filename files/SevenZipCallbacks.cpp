@@ -142,7 +142,10 @@ ProgressTracker::ProgressTracker(TSevenZip *owner, OwnerThread &thread, bool add
     : m_owner(owner)
     , m_thread(thread)
     , m_adding(adding)
+    , m_quiet(!owner->OnProgress)
 {
+    if (!(adding ? bool(owner->OnAddfile) : bool(owner->OnExtractfile)))
+        m_announced = true;
 }
 
 void ProgressTracker::setCurrent(const QString &name, qint64 size)
@@ -183,15 +186,27 @@ HRESULT ProgressTracker::setCompleted(const quint64 *completeValue)
 {
     if (!completeValue)
         return S_OK;
+    const qint64 reported = qint64(*completeValue);
+    // Nothing to tell the host: keep the count here, without waking the owner thread.
+    if (m_quiet && m_announced && !m_owner->AbortFlag()) {
+        std::lock_guard lock(m_mutex);
+        m_archivePos += reported - m_lastReport;
+        m_lastReport = reported;
+        return S_OK;
+    }
     bool abort = false;
     const bool ok = m_thread.call([&] {
         m_reported = true;
         announceFirstItem();
-        const qint64 reported = qint64(*completeValue);
-        m_archivePos += reported - m_lastReport;
-        m_lastReport = reported;
+        qint64 position;
+        {
+            std::lock_guard lock(m_mutex);
+            m_archivePos += reported - m_lastReport;
+            m_lastReport = reported;
+            position = m_archivePos;
+        }
         if (m_owner->OnProgress)
-            m_owner->OnProgress(m_owner, m_name, m_archivePos, reported);
+            m_owner->OnProgress(m_owner, m_name, position, reported);
         if (m_owner->AbortFlag()) {
             abort = true;
             m_owner->Fail(TSevenZip::ErrUserCanceled, m_name);

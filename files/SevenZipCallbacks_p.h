@@ -53,6 +53,7 @@ private:
 class ProgressTracker
 {
 public:
+    // Takes note of which handlers are assigned: those are the ones the operation serves.
     ProgressTracker(TSevenZip *owner, OwnerThread &thread, bool adding);
     // The item being processed; called on the owner thread.
     void setCurrent(const QString &name, qint64 size);
@@ -65,10 +66,12 @@ private:
     TSevenZip *m_owner;
     OwnerThread &m_thread;
     bool m_adding;
+    bool m_quiet; // no OnProgress handler when the operation started
     bool m_reported = false;
-    bool m_announced = false;
+    std::atomic<bool> m_announced{false};
     QString m_name;
     qint64 m_size = 0;
+    std::mutex m_mutex; // the positions: reports may come from several engine threads
     qint64 m_archivePos = 0;
     qint64 m_lastReport = 0;
 };
