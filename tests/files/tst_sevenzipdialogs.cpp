@@ -15,24 +15,24 @@ private:
     QString m_lastVolume;
     QString m_moved;
 
-    // Answers the dialog once it shows: types Answer and presses Enter, or presses Escape.
+    // Answers the dialog once it shows: fills in Answer and presses Open, or presses Cancel.
     void answerDialog(const QString &answer, QString *title)
     {
-        QTimer::singleShot(0, this, [=] {
+        QTimer::singleShot(10, this, [this, answer, title] {
             auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
-            if (!dialog) {
+            if (!dialog || !dialog->isVisible()) {
                 answerDialog(answer, title);
                 return;
             }
             *title = dialog->windowTitle();
             auto *edit = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
-            QVERIFY(edit);
-            if (answer.isEmpty()) {
-                QTest::keyClick(dialog, Qt::Key_Escape);
-            } else {
-                QTest::keyClicks(edit, answer);
-                QTest::keyClick(edit, Qt::Key_Return);
-            }
+            auto *buttons = dialog->findChild<QDialogButtonBox *>(QStringLiteral("buttonBox"));
+            QVERIFY(edit && buttons);
+            // Set rather than typed: typing opens the name completer, which takes the keys.
+            edit->setText(answer);
+            QPushButton *button = buttons->button(answer.isEmpty() ? QDialogButtonBox::Cancel : QDialogButtonBox::Open);
+            QVERIFY(button && button->isEnabled());
+            QTest::mouseClick(button, Qt::LeftButton);
         });
     }
 
@@ -40,7 +40,11 @@ private slots:
     void initTestCase()
     {
         QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-        QVERIFY(SevenZipBrowseForFile); // installed by the widgets library
+        // Installed when the widgets library loads.
+        using Browse = bool (*)(const QString &, QString &);
+        QVERIFY(SevenZipBrowseForFile);
+        const Browse *installed = SevenZipBrowseForFile.target<Browse>();
+        QVERIFY(installed && *installed == &SevenZipBrowseWithDialog);
         const QString src = m_tmp.filePath(QStringLiteral("src"));
         QDir().mkpath(src);
         QFile f(src + QStringLiteral("/dati.bin"));
