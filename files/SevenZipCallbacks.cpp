@@ -12,20 +12,6 @@ namespace {
 
 constexpr qint64 FileTimeUnixEpoch = 116444736000000000LL; // 1970-01-01 in 100 ns since 1601
 
-template<class Interface, class Object>
-HRESULT answer(Object *object, void **outObject)
-{
-    *outObject = static_cast<Interface *>(object);
-    object->AddRef();
-    return S_OK;
-}
-
-HRESULT noInterface(void **outObject)
-{
-    *outObject = nullptr;
-    return E_NOINTERFACE;
-}
-
 // The last-error code of an item's extraction result.
 qint32 extractResultCode(qint32 opRes)
 {
@@ -226,10 +212,10 @@ TMyArchiveOpenCallback::TMyArchiveOpenCallback(const Engine &engine, const QStri
 HRESULT TMyArchiveOpenCallback::QueryInterface(const GUID &iid, void **outObject)
 {
     if (iid == IID_IUnknown || iid == IID_IArchiveOpenCallback)
-        return answer<IArchiveOpenCallback>(this, outObject);
+        return Answer<IArchiveOpenCallback>(this, outObject);
     if (iid == IID_ICryptoGetTextPassword)
-        return answer<ICryptoGetTextPassword>(this, outObject);
-    return noInterface(outObject);
+        return Answer<ICryptoGetTextPassword>(this, outObject);
+    return NoInterface(outObject);
 }
 
 HRESULT TMyArchiveOpenCallback::SetTotal(const quint64 *, const quint64 *)
@@ -269,10 +255,10 @@ TMyArchiveExtractCallback::TMyArchiveExtractCallback(TSevenZip *owner, OwnerThre
 HRESULT TMyArchiveExtractCallback::QueryInterface(const GUID &iid, void **outObject)
 {
     if (iid == IID_IUnknown || iid == IID_IArchiveExtractCallback || iid == IID_IProgress)
-        return answer<IArchiveExtractCallback>(this, outObject);
+        return Answer<IArchiveExtractCallback>(this, outObject);
     if (iid == IID_ICryptoGetTextPassword)
-        return answer<ICryptoGetTextPassword>(this, outObject);
-    return noInterface(outObject);
+        return Answer<ICryptoGetTextPassword>(this, outObject);
+    return NoInterface(outObject);
 }
 
 HRESULT TMyArchiveExtractCallback::SetTotal(quint64 total)
@@ -425,10 +411,10 @@ TMyArchiveUpdateCallback::TMyArchiveUpdateCallback(TSevenZip *owner, OwnerThread
 HRESULT TMyArchiveUpdateCallback::QueryInterface(const GUID &iid, void **outObject)
 {
     if (iid == IID_IUnknown || iid == IID_IArchiveUpdateCallback || iid == IID_IProgress)
-        return answer<IArchiveUpdateCallback>(this, outObject);
+        return Answer<IArchiveUpdateCallback>(this, outObject);
     if (iid == IID_ICryptoGetTextPassword2)
-        return answer<ICryptoGetTextPassword2>(this, outObject);
-    return noInterface(outObject);
+        return Answer<ICryptoGetTextPassword2>(this, outObject);
+    return NoInterface(outObject);
 }
 
 HRESULT TMyArchiveUpdateCallback::SetTotal(quint64 total)

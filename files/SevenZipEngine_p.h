@@ -284,6 +284,21 @@ using Func_GetModuleProp = HRESULT (*)(PROPID propID, PROPVARIANT *value);
 using Func_SysAllocStringLen = BSTR (*)(const wchar_t *s, unsigned len);
 using Func_SysFreeString = void (*)(BSTR bstr);
 
+// QueryInterface's answers: the object seen as Interface, with a reference for the caller; or none.
+template<class Interface, class Object>
+HRESULT Answer(Object *object, void **outObject)
+{
+    *outObject = static_cast<Interface *>(object);
+    object->AddRef();
+    return S_OK;
+}
+
+inline HRESULT NoInterface(void **outObject)
+{
+    *outObject = nullptr;
+    return E_NOINTERFACE;
+}
+
 // Holds one reference to an engine object and gives it back when it goes.
 template<class T>
 class ComPtr

@@ -27,12 +27,22 @@ QByteArray nativeName(const QString &fileName)
     return QFile::encodeName(fileName);
 }
 
-template<class Interface, class Object>
-bool answer(Object *object, void **outObject)
+// Moves Pos as the engine's Seek asks; positions past the end are allowed, before the start not.
+HRESULT SeekTo(qint64 &pos, qint64 size, qint64 offset, quint32 seekOrigin, quint64 *newPosition)
 {
-    *outObject = static_cast<Interface *>(object);
-    object->AddRef();
-    return true;
+    qint64 base;
+    switch (seekOrigin) {
+    case SeekSet: base = 0; break;
+    case SeekCur: base = pos; break;
+    case SeekEnd: base = size; break;
+    default: return STG_E_INVALIDFUNCTION;
+    }
+    if (base + offset < 0)
+        return E_INVALIDARG;
+    pos = base + offset;
+    if (newPosition)
+        *newPosition = quint64(pos);
+    return S_OK;
 }
 
 } // namespace
@@ -235,19 +245,7 @@ HRESULT TMyStreamReader::Read(void *data, quint32 size, quint32 *processedSize)
 
 HRESULT TMyStreamReader::Seek(qint64 offset, quint32 seekOrigin, quint64 *newPosition)
 {
-    qint64 base;
-    switch (seekOrigin) {
-    case SeekSet: base = 0; break;
-    case SeekCur: base = m_pos; break;
-    case SeekEnd: base = m_size; break;
-    default: return STG_E_INVALIDFUNCTION;
-    }
-    if (base + offset < 0)
-        return E_INVALIDARG;
-    m_pos = base + offset;
-    if (newPosition)
-        *newPosition = quint64(m_pos);
-    return S_OK;
+    return SeekTo(m_pos, m_size, offset, seekOrigin, newPosition);
 }
 
 HRESULT TMyStreamReader::GetSize(quint64 *size)
@@ -259,11 +257,10 @@ HRESULT TMyStreamReader::GetSize(quint64 *size)
 HRESULT TMyStreamReader::QueryInterface(const GUID &iid, void **outObject)
 {
     if (iid == IID_IUnknown || iid == IID_ISequentialInStream || iid == IID_IInStream)
-        return answer<IInStream>(this, outObject), S_OK;
+        return Answer<IInStream>(this, outObject);
     if (iid == IID_IStreamGetSize)
-        return answer<IStreamGetSize>(this, outObject), S_OK;
-    *outObject = nullptr;
-    return E_NOINTERFACE;
+        return Answer<IStreamGetSize>(this, outObject);
+    return NoInterface(outObject);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -363,19 +360,7 @@ HRESULT TMyStreamWriter::Write(const void *data, quint32 size, quint32 *processe
 
 HRESULT TMyStreamWriter::Seek(qint64 offset, quint32 seekOrigin, quint64 *newPosition)
 {
-    qint64 base;
-    switch (seekOrigin) {
-    case SeekSet: base = 0; break;
-    case SeekCur: base = m_pos; break;
-    case SeekEnd: base = m_size; break;
-    default: return STG_E_INVALIDFUNCTION;
-    }
-    if (base + offset < 0)
-        return E_INVALIDARG;
-    m_pos = base + offset;
-    if (newPosition)
-        *newPosition = quint64(m_pos);
-    return S_OK;
+    return SeekTo(m_pos, m_size, offset, seekOrigin, newPosition);
 }
 
 HRESULT TMyStreamWriter::SetSize(quint64 newSize)
@@ -398,9 +383,8 @@ HRESULT TMyStreamWriter::SetSize(quint64 newSize)
 HRESULT TMyStreamWriter::QueryInterface(const GUID &iid, void **outObject)
 {
     if (iid == IID_IUnknown || iid == IID_ISequentialOutStream || iid == IID_IOutStream)
-        return answer<IOutStream>(this, outObject), S_OK;
-    *outObject = nullptr;
-    return E_NOINTERFACE;
+        return Answer<IOutStream>(this, outObject);
+    return NoInterface(outObject);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -486,9 +470,8 @@ bool TMyExtractStream::Commit(quint32 mode, qint64 modificationTime)
 HRESULT TMyExtractStream::QueryInterface(const GUID &iid, void **outObject)
 {
     if (iid == IID_IUnknown || iid == IID_ISequentialOutStream)
-        return answer<ISequentialOutStream>(this, outObject), S_OK;
-    *outObject = nullptr;
-    return E_NOINTERFACE;
+        return Answer<ISequentialOutStream>(this, outObject);
+    return NoInterface(outObject);
 }
 
 } // namespace mattoni::engine7z
