@@ -29,12 +29,21 @@ function(mattoni_units lib)
     endif()
 endfunction()
 
+# Qt Test without its per-directory QT_TESTCASE_* definitions, so that every test and benchmark
+# compiles with the same definitions and can share one precompiled header. (Tests find their data
+# through the MATTONI_SOURCE_DIR environment variable instead.)
+function(_mattoni_link_qt target)
+    target_link_libraries(${target} PRIVATE Qt6::Core Qt6::Gui Qt6::Widgets Qt6::Sql $<LINK_ONLY:Qt6::Test>)
+    target_include_directories(${target} PRIVATE $<TARGET_PROPERTY:Qt6::Test,INTERFACE_INCLUDE_DIRECTORIES>)
+    target_compile_definitions(${target} PRIVATE QT_TESTLIB_LIB)
+endfunction()
+
 # One precompiled header shared by every test and benchmark executable.
 function(_mattoni_test_pch)
     if(NOT TARGET mattoni_test_pch)
         file(WRITE ${CMAKE_BINARY_DIR}/mattoni_test_pch.cpp "// precompiled header carrier\n")
         add_library(mattoni_test_pch OBJECT ${CMAKE_BINARY_DIR}/mattoni_test_pch.cpp)
-        target_link_libraries(mattoni_test_pch PRIVATE Qt6::Core Qt6::Gui Qt6::Widgets Qt6::Sql Qt6::Test)
+        _mattoni_link_qt(mattoni_test_pch)
         target_precompile_headers(mattoni_test_pch PRIVATE
             <QtCore/QtCore> <QtGui/QtGui> <QtWidgets/QtWidgets> <QtSql/QtSql> <QtTest/QtTest>)
     endif()
@@ -56,8 +65,8 @@ function(mattoni_add_test name)
     endif()
     _mattoni_test_pch()
     add_executable(${name} ${T_SOURCES})
-    # Every test links the same Qt modules so that all of them can share one precompiled header.
-    target_link_libraries(${name} PRIVATE ${T_LIBS} Qt6::Core Qt6::Gui Qt6::Widgets Qt6::Sql Qt6::Test)
+    target_link_libraries(${name} PRIVATE ${T_LIBS})
+    _mattoni_link_qt(${name})
     target_precompile_headers(${name} REUSE_FROM mattoni_test_pch)
     if(T_GUI)
         add_test(NAME ${name} COMMAND ${MATTONI_GUI_RUNNER} $<TARGET_FILE:${name}>)
@@ -85,6 +94,34 @@ function(mattoni_add_bench name)
     endif()
     _mattoni_test_pch()
     add_executable(${name} ${B_SOURCES})
-    target_link_libraries(${name} PRIVATE ${B_LIBS} Qt6::Core Qt6::Gui Qt6::Widgets Qt6::Sql Qt6::Test)
+    target_link_libraries(${name} PRIVATE ${B_LIBS})
+    _mattoni_link_qt(${name})
     target_precompile_headers(${name} REUSE_FROM mattoni_test_pch)
+endfunction()
+
+# mattoni_version_info(target FILE_VERSION a.b.c.d [PRODUCT_VERSION a.b.c.d]
+#                      [TABLE 041004E4] [STRINGS Name=Value ...])
+# Embeds a version resource in the target's executable; the program reads it back with
+# TVersionResource::LoadFromRunningProgram().
+function(mattoni_version_info target)
+    cmake_parse_arguments(V "" "FILE_VERSION;PRODUCT_VERSION;TABLE" "STRINGS" ${ARGN})
+    if(NOT V_PRODUCT_VERSION)
+        set(V_PRODUCT_VERSION ${V_FILE_VERSION})
+    endif()
+    if(NOT V_TABLE)
+        set(V_TABLE 041004E4)
+    endif()
+    set(desc "FileVersion=${V_FILE_VERSION}\nProductVersion=${V_PRODUCT_VERSION}\nTable=${V_TABLE}\n")
+    foreach(s IN LISTS V_STRINGS)
+        string(APPEND desc "String=${s}\n")
+    endforeach()
+    set(dir ${CMAKE_CURRENT_BINARY_DIR}/${target}_version)
+    file(WRITE ${dir}/description.txt.in "${desc}")
+    configure_file(${dir}/description.txt.in ${dir}/description.txt COPYONLY)
+    add_custom_command(OUTPUT ${dir}/version_resource.cpp
+        COMMAND ${CMAKE_COMMAND} -E env ASAN_OPTIONS=detect_leaks=0 $<TARGET_FILE:mattoni_verinfo> ${dir}/description.txt ${dir}/version_resource.cpp
+        DEPENDS mattoni_verinfo ${dir}/description.txt
+        COMMENT "Version resource of ${target}")
+    target_sources(${target} PRIVATE ${dir}/version_resource.cpp)
+    set_source_files_properties(${dir}/version_resource.cpp PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
 endfunction()

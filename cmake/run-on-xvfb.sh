@@ -2,6 +2,11 @@
 # Runs one program on a private Xvfb display and returns its exit code.
 # Each GUI test gets its own X server so that parallel tests never share focus or clipboard.
 set -u
+if [ -z "${XDG_RUNTIME_DIR:-}" ]; then
+    XDG_RUNTIME_DIR=$(mktemp -d)
+    export XDG_RUNTIME_DIR
+    trap 'rm -rf "$XDG_RUNTIME_DIR"' EXIT
+fi
 dispfile=$(mktemp)
 Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>"$dispfile" >/dev/null 2>&1 &
 xpid=$!

@@ -758,6 +758,39 @@ qint32 StrToIntDef(const QString &s, qint32 defaultValue)
     return TryStrToInt(s, v) ? v : defaultValue;
 }
 
+bool TryStrToBool(const QString &s, bool &value)
+{
+    const QString t = Trim(s);
+    if (t.compare(QLatin1String("True"), Qt::CaseInsensitive) == 0) {
+        value = true;
+        return true;
+    }
+    if (t.compare(QLatin1String("False"), Qt::CaseInsensitive) == 0) {
+        value = false;
+        return true;
+    }
+    qint64 n;
+    if (!TryStrToInt64(s, n))
+        return false;
+    value = n != 0;
+    return true;
+}
+
+bool StrToBool(const QString &s)
+{
+    bool v;
+    if (!TryStrToBool(s, v))
+        throw EConvertError(QStringLiteral("'%1' is not a valid boolean value").arg(s));
+    return v;
+}
+
+QString BoolToStr(bool value, bool useBoolStrs)
+{
+    if (useBoolStrs)
+        return value ? QStringLiteral("True") : QStringLiteral("False");
+    return value ? QStringLiteral("-1") : QStringLiteral("0");
+}
+
 bool TryStrToFloat(const QString &s, double &value, const TFormatSettings &fs)
 {
     QString t = s;

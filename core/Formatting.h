@@ -46,6 +46,12 @@ MATTONI_CORE_EXPORT bool TryStrToInt(const QString &s, qint32 &value);
 MATTONI_CORE_EXPORT bool TryStrToInt64(const QString &s, qint64 &value);
 MATTONI_CORE_EXPORT qint32 StrToIntDef(const QString &s, qint32 defaultValue);
 
+// "True"/"False" (any case) or an integer (0 is false); anything else raises EConvertError
+// "'%s' is not a valid boolean value". BoolToStr gives "True"/"False", or "-1"/"0" without UseBoolStrs.
+MATTONI_CORE_EXPORT bool StrToBool(const QString &s);
+MATTONI_CORE_EXPORT bool TryStrToBool(const QString &s, bool &value);
+MATTONI_CORE_EXPORT QString BoolToStr(bool value, bool useBoolStrs = false);
+
 // Blanks around, a sign, digits with the current decimal separator, an exponent; no thousands
 // separators. Errors: "'%s' is not a valid floating point value".
 MATTONI_CORE_EXPORT double StrToFloat(const QString &s, const TFormatSettings &fs = FormatSettings);

@@ -4,12 +4,16 @@
 // With --screenshots the demo walks every page, saves one PNG per page and exits.
 #include "DemoDatabase.h"
 #include "DemoPages.h"
+#include "Ambiente.h"
 #include "FormatSettings.h"
 #include "MainWindow.h"
+#include "Registry.h"
+#include "winutil.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QSettings>
 #include <QStandardPaths>
 #include <QTimer>
 
@@ -27,6 +31,17 @@ QString fileNameFor(int index, const QString &title)
     return QStringLiteral("%1-%2.png").arg(index + 1, 2, 10, QLatin1Char('0')).arg(slug);
 }
 
+// In the screenshot walk every warning counts as a failure, so the walk doubles as a test.
+int g_warnings = 0;
+QtMessageHandler g_previousHandler = nullptr;
+
+void countWarnings(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    if (type == QtWarningMsg || type == QtCriticalMsg || type == QtFatalMsg)
+        ++g_warnings;
+    g_previousHandler(type, context, message);
+}
+
 int walkPages(MainWindow &window, const QString &folder)
 {
     QDir().mkpath(folder);
@@ -41,7 +56,38 @@ int walkPages(MainWindow &window, const QString &folder)
         }
         qInfo("%s", qPrintable(file));
     }
-    return 0;
+    return g_warnings == 0 ? 0 : 1;
+}
+
+// The demo keeps its settings store in its data folder, so it never touches the machine's.
+// On first run it writes the settings an installer would have written.
+void LoadDemoSettings(const QString &dataFolder)
+{
+    using namespace mattoni;
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, QDir(dataFolder).filePath(QStringLiteral("impostazioni/utente")));
+    QSettings::setPath(QSettings::IniFormat, QSettings::SystemScope, QDir(dataFolder).filePath(QStringLiteral("impostazioni/sistema")));
+    Company = QStringLiteral("Mattoni");
+    AppName = QStringLiteral("Segreteria");
+    GetRegistryConf(); // takes the version from the program first
+    {
+        TRegistry user(HKEY_CURRENT_USER);
+        if (!user.KeyExists(RegistryBaseKey()) && user.OpenKey(RegistryBaseKey(), true)) {
+            user.WriteString(QStringLiteral("TipoDatabase"), QStringLiteral("FIREBIRD"));
+            user.WriteString(QStringLiteral("FormatoData"), QStringLiteral("0"));
+            user.WriteString(QStringLiteral("NomeLogin"), QStringLiteral("segreteria"));
+            user.WriteString(QStringLiteral("Esercizio"), QStringLiteral("2026"));
+            user.WriteString(QStringLiteral("EmailHost"), QStringLiteral("smtp.ateneo.example.it"));
+            user.WriteString(QStringLiteral("EmailSender"), QStringLiteral("segreteria@ateneo.example.it"));
+            TRegistry machine(HKEY_LOCAL_MACHINE);
+            if (machine.OpenKey(RegistryBaseKey(), true)) {
+                machine.WriteString(QStringLiteral("Connessioni"), QStringLiteral("8"));
+                machine.WriteString(QStringLiteral("Istanze"), QStringLiteral("1"));
+            }
+        }
+    }
+    GetRegistryConf();
+    GetLocalPriorityRegistryConf();
+    GetRegistryDesktop();
 }
 
 } // namespace
@@ -62,6 +108,8 @@ int main(int argc, char **argv)
     parser.addOption(dataOption);
     parser.addOption(shotsOption);
     parser.process(app);
+    if (parser.isSet(shotsOption))
+        g_previousHandler = qInstallMessageHandler(countWarnings);
 
     // The family's applications were written for the Italian conventions.
     mattoni::SetItalianFormatSettings();
@@ -71,6 +119,7 @@ int main(int argc, char **argv)
                              ? parser.value(dataOption)
                              : QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     context.db = OpenDemoDatabase(context.dataFolder);
+    LoadDemoSettings(context.dataFolder);
 
     MainWindow window(context);
     window.show();
