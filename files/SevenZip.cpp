@@ -461,12 +461,12 @@ bool TSevenZip::Extract(bool TestArchive)
     thread.rethrow();
     if (result == S_OK)
         return callback->AllOk();
-    if (m_lastError == ErrSuccess || m_lastError == ErrUserCanceled) {
-        if (m_lastError == ErrSuccess) {
-            const QString failed = open.reader->FailedFile();
-            Fail(failed.isEmpty() ? ErrDataError : ErrFileNotFound, failed.isEmpty() ? m_fileName : failed);
-        }
-    }
+    // A volume gone missing, or an engine failure no item reported (a cancel has reported).
+    const QString failed = open.reader->FailedFile();
+    if (!failed.isEmpty())
+        Fail(ErrFileNotFound, failed);
+    else if (m_lastError == ErrSuccess)
+        Fail(ErrDataError, m_fileName);
     return false;
 }
 
