@@ -18,7 +18,7 @@ using namespace mattoni;
 
 namespace {
 
-constexpr int SchemaVersion = 1;
+constexpr int SchemaVersion = 2;
 
 void exec(QSqlQuery &q, const QString &sql)
 {
@@ -37,7 +37,7 @@ void createSchema(QSqlQuery &q)
     exec(q, QStringLiteral("CREATE TABLE meta (chiave TEXT PRIMARY KEY, valore TEXT)"));
     // Faculties (level 1) and courses of study (level 2) in one self-referencing table.
     exec(q, QStringLiteral("CREATE TABLE struttura (id INTEGER PRIMARY KEY, padre INTEGER, codice TEXT NOT NULL, "
-                           "nome TEXT NOT NULL, livello INTEGER NOT NULL)"));
+                           "nome TEXT NOT NULL, livello INTEGER NOT NULL, sito TEXT)"));
     exec(q, QStringLiteral("CREATE INDEX struttura_padre ON struttura(padre)"));
     exec(q, QStringLiteral(
         "CREATE TABLE studenti (id INTEGER PRIMARY KEY, facolta TEXT NOT NULL, corso TEXT NOT NULL, "
@@ -60,21 +60,24 @@ struct Faculty
 {
     const char *code;
     const char *name;
+    const char *site;
     std::initializer_list<Course> courses;
 };
 
 const Faculty faculties[] = {
-    {"010", "Ingegneria", {{"0100101", "Ingegneria informatica"}, {"0100102", "Ingegneria civile"},
-                           {"0100103", "Ingegneria gestionale"}, {"0100104", "Ingegneria elettronica"}}},
-    {"020", "Lettere e Filosofia", {{"0200201", "Lettere classiche"}, {"0200202", "Filosofia"},
-                                    {"0200203", "Storia dell'arte"}}},
-    {"030", "Economia", {{"0300301", "Economia aziendale"}, {"0300302", "Economia e commercio"},
-                         {"0300303", "Scienze statistiche"}}},
-    {"040", "Giurisprudenza", {{"0400401", "Giurisprudenza"}, {"0400402", "Scienze dei servizi giuridici"}}},
-    {"050", "Medicina e Chirurgia", {{"0500501", "Medicina e chirurgia"}, {"0500502", "Infermieristica"},
-                                     {"0500503", "Fisioterapia"}}},
-    {"060", "Scienze matematiche, fisiche e naturali", {{"0600601", "Matematica"}, {"0600602", "Fisica"},
-                                                        {"0600603", "Scienze biologiche"}, {"0600604", "Chimica"}}},
+    {"010", "Ingegneria", "www.ingegneria.ateneo.example.it",
+     {{"0100101", "Ingegneria informatica"}, {"0100102", "Ingegneria civile"},
+      {"0100103", "Ingegneria gestionale"}, {"0100104", "Ingegneria elettronica"}}},
+    {"020", "Lettere e Filosofia", "www.lettere.ateneo.example.it",
+     {{"0200201", "Lettere classiche"}, {"0200202", "Filosofia"}, {"0200203", "Storia dell'arte"}}},
+    {"030", "Economia", "www.economia.ateneo.example.it",
+     {{"0300301", "Economia aziendale"}, {"0300302", "Economia e commercio"}, {"0300303", "Scienze statistiche"}}},
+    {"040", "Giurisprudenza", "www.giurisprudenza.ateneo.example.it",
+     {{"0400401", "Giurisprudenza"}, {"0400402", "Scienze dei servizi giuridici"}}},
+    {"050", "Medicina e Chirurgia", "www.medicina.ateneo.example.it",
+     {{"0500501", "Medicina e chirurgia"}, {"0500502", "Infermieristica"}, {"0500503", "Fisioterapia"}}},
+    {"060", "Scienze matematiche, fisiche e naturali", "www.scienze.ateneo.example.it",
+     {{"0600601", "Matematica"}, {"0600602", "Fisica"}, {"0600603", "Scienze biologiche"}, {"0600604", "Chimica"}}},
 };
 
 const char *const surnames[] = {
@@ -127,7 +130,7 @@ void fill(QSqlDatabase &db)
     }
 
     QSqlQuery node(db);
-    node.prepare(QStringLiteral("INSERT INTO struttura (id, padre, codice, nome, livello) VALUES (?, ?, ?, ?, ?)"));
+    node.prepare(QStringLiteral("INSERT INTO struttura (id, padre, codice, nome, livello, sito) VALUES (?, ?, ?, ?, ?, ?)"));
     QList<QPair<QString, QString>> courses; // faculty code, course code
     int id = 0;
     for (const Faculty &f : faculties) {
@@ -137,6 +140,7 @@ void fill(QSqlDatabase &db)
         node.addBindValue(ascii(f.code));
         node.addBindValue(ascii(f.name));
         node.addBindValue(1);
+        node.addBindValue(ascii(f.site));
         execPrepared(node);
         for (const Course &c : f.courses) {
             node.addBindValue(++id);
@@ -144,6 +148,7 @@ void fill(QSqlDatabase &db)
             node.addBindValue(ascii(c.code));
             node.addBindValue(ascii(c.name));
             node.addBindValue(2);
+            node.addBindValue(ascii(f.site));
             execPrepared(node);
             courses.append({ascii(f.code), ascii(c.code)});
         }

@@ -8,6 +8,7 @@
 #include "FormatSettings.h"
 #include "MainWindow.h"
 #include "Registry.h"
+#include "usrconf.h"
 #include "winutil.h"
 
 #include <QApplication>
@@ -88,6 +89,7 @@ void LoadDemoSettings(const QString &dataFolder)
     GetRegistryConf();
     GetLocalPriorityRegistryConf();
     GetRegistryDesktop();
+    SetColorMapStyles(CurrentColorMapStyle, TStandardColorMap());
 }
 
 } // namespace

@@ -239,7 +239,7 @@ private:
                                                             + QByteArray("0001234;Rossi;Mario;Giurisprudenza\n").repeated(400)},
             {QStringLiteral("verbali/esame di Analisi I.txt"), QByteArray("Verbale d'esame, appello di giugno\n").repeated(120)},
             {QStringLiteral("verbali/Ελληνικά - lettorato.txt"), QByteArray("Corso di greco moderno\n").repeated(60)},
-            {QStringLiteral("comunicazioni/perché iscriversi 🎓.txt"), QByteArray("Benvenuti in segreteria\n").repeated(30)},
+            {QStringLiteral("comunicazioni/perché iscriversi.txt"), QByteArray("Benvenuti in segreteria\n").repeated(30)},
         };
         for (const auto &[name, data] : files) {
             const QString path = dir + QLatin1Char('/') + name;

@@ -1,6 +1,7 @@
-// Demo page "Calendario": the month calendar with its month and year buttons, the first day of the
+// "Calendario": the month calendar with its month and year buttons, the first day of the
 // week, the weekend days and their colour, and read-only mode.
 #include "DemoPages.h"
+#include "DemoWidgets.h"
 #include "Formatting.h"
 #include "calendario.h"
 
@@ -20,7 +21,12 @@ namespace {
 QWidget *createCalendarPage(DemoContext &)
 {
     auto *page = new QWidget;
-    auto *layout = new QHBoxLayout(page);
+    auto *outer = new QVBoxLayout(page);
+    outer->addWidget(IntroLabel(QStringLiteral(
+        "Il calendario del mese: si sceglie il giorno con il mouse o con le frecce, si cambia mese e anno con "
+        "i pulsanti. A destra il primo giorno della settimana, i giorni festivi e il loro colore.")));
+    auto *layout = new QHBoxLayout;
+    outer->addLayout(layout, 1);
 
     auto *left = new QVBoxLayout;
     auto *buttons = new QHBoxLayout;
@@ -117,4 +123,4 @@ QWidget *createCalendarPage(DemoContext &)
 
 } // namespace
 
-MATTONI_DEMO_PAGE(45, QStringLiteral("Calendario"), createCalendarPage);
+MATTONI_DEMO_PAGE(25, QStringLiteral("Calendario"), createCalendarPage);

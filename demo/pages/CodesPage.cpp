@@ -2,6 +2,7 @@
 #include "CifrLett.h"
 #include "CodFiscale.h"
 #include "DemoPages.h"
+#include "DemoWidgets.h"
 #include "Exceptions.h"
 #include "Formatting.h"
 
@@ -182,11 +183,16 @@ QWidget *createCodesPage(DemoContext &)
 {
     auto *page = new QWidget;
     auto *grid = new QGridLayout(page);
-    grid->addWidget(fiscalCodeBox(page), 0, 0);
-    grid->addWidget(decodeBox(page), 0, 1);
-    grid->addWidget(vatBox(page), 1, 0);
-    grid->addWidget(wordsBox(page), 1, 1);
-    grid->setRowStretch(2, 1);
+    grid->addWidget(IntroLabel(QStringLiteral(
+                        "I codici dell'amministrazione: il codice fiscale calcolato dai dati anagrafici e letto "
+                        "all'indietro, la partita IVA italiana o di un altro paese dell'Unione, gli importi e i "
+                        "numeri scritti in lettere.")),
+                    0, 0, 1, 2);
+    grid->addWidget(fiscalCodeBox(page), 1, 0);
+    grid->addWidget(decodeBox(page), 1, 1);
+    grid->addWidget(vatBox(page), 2, 0);
+    grid->addWidget(wordsBox(page), 2, 1);
+    grid->setRowStretch(3, 1);
     grid->setColumnStretch(0, 1);
     grid->setColumnStretch(1, 1);
     return page;

@@ -3,6 +3,7 @@
 // at (and photographed) without a modal dialog in the way. A panel tells the program's version
 // and instance information.
 #include "DemoPages.h"
+#include "DemoWidgets.h"
 
 #include "Ambiente.h"
 #include "CheckPrevious.h"
@@ -14,6 +15,7 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QVBoxLayout>
@@ -122,12 +124,14 @@ QWidget *programPanel()
     const TVersionInfo info;
     form->addRow(QStringLiteral("Prodotto:"), new QLabel(info.IsValid() ? info.ProductName() : QStringLiteral("(nessuna risorsa di versione)")));
     form->addRow(QStringLiteral("Versione:"), new QLabel(info.FileVersionNumber()));
-    form->addRow(QStringLiteral("Sistema:"), new QLabel(info.TargetOS()));
+    form->addRow(QStringLiteral("Sistema di destinazione:"), new QLabel(info.TargetOS()));
     form->addRow(QStringLiteral("Utente:"), new QLabel(GetCurrentUserName()));
     form->addRow(QStringLiteral("Copie:"), new QLabel(TooManyIstances() ? QStringLiteral("più di %1").arg(IstanzeApplicazione)
                                                                        : QStringLiteral("entro il limite di %1").arg(IstanzeApplicazione)));
-    auto *record = new QLabel(InstanceRecordName());
-    record->setWordWrap(true);
+    // The record's name holds the program's whole path: it scrolls rather than widen the page.
+    auto *record = new QLineEdit(InstanceRecordName());
+    record->setReadOnly(true);
+    record->setCursorPosition(0);
     form->addRow(QStringLiteral("Record:"), record);
     return group;
 }
@@ -136,6 +140,10 @@ QWidget *createDialogsPage(DemoContext &)
 {
     auto *page = new QWidget;
     auto *layout = new QVBoxLayout(page);
+    layout->addWidget(IntroLabel(QStringLiteral(
+        "Domande e avvisi della Segreteria passano tutti da una finestra di dialogo della libreria, con i "
+        "pulsanti in italiano. I pulsanti aprono ogni funzione Box... e ogni tipo; sotto, l'anteprima di ogni "
+        "tipo.")));
     auto *outcome = new QLabel(QStringLiteral("Premere un pulsante per aprire il messaggio."));
     auto *top = new QHBoxLayout;
     auto *left = new QVBoxLayout;
@@ -162,4 +170,4 @@ QWidget *createDialogsPage(DemoContext &)
 
 } // namespace
 
-MATTONI_DEMO_PAGE(20, QStringLiteral("Messaggi"), createDialogsPage);
+MATTONI_DEMO_PAGE(35, QStringLiteral("Messaggi"), createDialogsPage);

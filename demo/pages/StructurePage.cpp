@@ -1,23 +1,18 @@
-// Demo page "Facoltà e corsi": the faculties and their courses as a tree read from the table
-// "struttura", the students of the chosen faculty or course, and LEDs of every shape bound to the
-// current student's "in corso" flag and paid fees.
-#include "AMAdvLed.h"
+// "Facoltà e corsi": the faculties and their courses as a tree read from the self-referencing
+// table "struttura", the web site of the chosen faculty, and its students (or the course's).
 #include "ClientDataSet.h"
+#include "DBGridExt.h"
 #include "DBTreeView.h"
-#include "DataSetModel.h"
 #include "DataSource.h"
 #include "DemoPages.h"
+#include "DemoWidgets.h"
+#include "URLComps.h"
 
 #include <QApplication>
-#include <QGridLayout>
-#include <QGroupBox>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLabel>
-#include <QMetaEnum>
 #include <QSplitter>
 #include <QStyle>
-#include <QTableView>
 #include <QVBoxLayout>
 
 using namespace mattoni;
@@ -40,14 +35,8 @@ private:
     QString m_text;
 };
 
-TDBReadTreeView *structureTree(DemoContext &context, QWidget *page, TClientDataSet *students)
+TDBReadTreeView *structureTree(TDataSource *source)
 {
-    auto *structure = new TClientDataSet(page);
-    structure->setConnection(context.db);
-    structure->setCommandText(QStringLiteral("SELECT id, padre, codice, nome, livello FROM struttura ORDER BY codice"));
-    auto *source = new TDataSource(page);
-    source->setDataSet(structure);
-
     auto *tree = new TDBReadTreeView;
     tree->setDataFieldNodo(QStringLiteral("id"));
     tree->setDataFieldPadre(QStringLiteral("padre"));
@@ -61,79 +50,29 @@ TDBReadTreeView *structureTree(DemoContext &context, QWidget *page, TClientDataS
     tree->OnRefreshingDataNode = [](QObject *, TDataSet *ds, TTreeNode *node) {
         static_cast<StructureNode *>(node->Data())->Read(ds);
     };
-    // The students follow the chosen faculty (level 1) or course (level 2).
-    source->OnDataChange = [structure, students](TDataSource *, TField *field) {
-        if (field || structure->State() != dsBrowse || structure->IsEmpty())
-            return;
-        const QString code = structure->FieldByName(QStringLiteral("codice"))->AsString();
-        const bool faculty = structure->FieldByName(QStringLiteral("livello"))->AsInteger() == 1;
-        students->setFilter((faculty ? QStringLiteral("facolta = '") : QStringLiteral("corso = '")) + code
-                            + QLatin1Char('\''));
-    };
     tree->setDataSource(source);
-    structure->Open();
-    tree->expandAll();
-    // The first course of the first faculty, to start with.
-    if (TTreeNode *faculty = tree->GetFirstNode())
-        tree->setSelected(faculty->getFirstChild());
     return tree;
 }
 
-QWidget *studentTable(QWidget *page, TDataSource *source)
+TDBGridExt *studentGrid(TDataSource *source)
 {
-    auto *model = new TDataSetModel(page);
-    model->setFieldNames({QStringLiteral("matricola"), QStringLiteral("cognome"), QStringLiteral("nome"),
-                          QStringLiteral("in_corso"), QStringLiteral("tasse_pagate")});
-    model->setDataSource(source);
-    auto *table = new QTableView;
-    table->setModel(model);
-    table->setSelectionBehavior(QAbstractItemView::SelectRows);
-    table->setSelectionMode(QAbstractItemView::SingleSelection);
-    table->verticalHeader()->hide();
-    table->horizontalHeader()->setStretchLastSection(true);
-    QObject::connect(table->selectionModel(), &QItemSelectionModel::currentRowChanged, model,
-                     [model](const QModelIndex &current) {
-                         if (current.isValid())
-                             model->setCurrentRow(current.row());
-                     });
-    const auto follow = [table, model](int row) {
-        if (row >= 0 && table->currentIndex().row() != row)
-            table->setCurrentIndex(model->index(row, 0));
-    };
-    QObject::connect(model, &TDataSetModel::currentRowChanged, table, follow);
-    follow(model->CurrentRow());
-    return table;
-}
-
-// One LED of each shape, in the order of TLedType, every other one on the fees.
-QWidget *ledPanel(TDataSource *source)
-{
-    auto *box = new QGroupBox(QStringLiteral("Studente corrente: in corso (S/N) e tasse pagate (1/0)"));
-    auto *grid = new QGridLayout(box);
-    const QMetaEnum types = QMetaEnum::fromType<TAMAdvLed::TLedType>();
-    const TAMAdvLed::TBorder borders[] = {TAMAdvLed::brDefault, TAMAdvLed::brRaised, TAMAdvLed::brLowered};
-    for (int i = 0; i < types.keyCount(); ++i) {
-        auto *led = new TDBAMAdvLed;
-        const bool fees = i % 2 == 1;
-        led->setLedType(TAMAdvLed::TLedType(types.value(i)));
-        led->setBorderStyle(borders[i % 3]);
-        if (i % 4 == 3)
-            led->setCtl3D(false);
-        led->setValueChecked(fees ? QStringLiteral("1") : QStringLiteral("S"));
-        led->setValueUnchecked(fees ? QStringLiteral("0") : QStringLiteral("N"));
-        led->setHintChecked(fees ? QStringLiteral("Tasse pagate") : QStringLiteral("In corso"));
-        led->setHintUnchecked(fees ? QStringLiteral("Tasse da pagare") : QStringLiteral("Fuori corso"));
-        led->setColorOn(fees ? clLime : clYellow);
-        led->setColorOff(fees ? clRed : clOlive);
-        led->setCaption(QString::fromLatin1(types.key(i)).mid(2) + (fees ? QStringLiteral(" (tasse)")
-                                                                         : QStringLiteral(" (in corso)")));
-        led->setDataSource(source);
-        led->setDataField(fees ? QStringLiteral("tasse_pagate") : QStringLiteral("in_corso"));
-        grid->addWidget(led, i / 3, i % 3);
-    }
-    auto *note = new QLabel(QStringLiteral("Un clic su un LED cambia il dato dello studente (in memoria)."));
-    grid->addWidget(note, (types.keyCount() + 2) / 3, 0, 1, 3);
-    return box;
+    auto *grid = new TDBGridExt;
+    AddColumns(grid, {{"matricola", "Matricola", 70},
+                      {"cognome", "Cognome", 130},
+                      {"nome", "Nome", 110},
+                      {"anno_immatricolazione", "Immatricolazione", 110},
+                      {"in_corso", "In corso", 65},
+                      {"tasse_pagate", "Tasse pagate", 90},
+                      {"media", "Media", 60}});
+    grid->Column(4)->setCheck(true);
+    grid->Column(4)->setValueChecked(QStringLiteral("S"));
+    grid->Column(4)->setValueUnchecked(QStringLiteral("N"));
+    grid->Column(5)->setCheck(true);
+    grid->setOptions(grid->Options() & ~TDBGridOptions(dgEditing));
+    grid->setAlternateColor(true);
+    grid->setTitleSort(true);
+    grid->setDataSource(source);
+    return grid;
 }
 
 QWidget *createStructurePage(DemoContext &context)
@@ -141,27 +80,74 @@ QWidget *createStructurePage(DemoContext &context)
     auto *page = new QWidget;
     auto *students = new TClientDataSet(page);
     students->setConnection(context.db);
-    students->setCommandText(QStringLiteral("SELECT id, facolta, corso, matricola, cognome, nome, in_corso, "
-                                            "tasse_pagate FROM studenti ORDER BY cognome, nome"));
+    students->setCommandText(QStringLiteral("SELECT id, facolta, corso, matricola, cognome, nome, anno_immatricolazione, "
+                                            "in_corso, tasse_pagate, media FROM studenti ORDER BY cognome, nome"));
     students->setFiltered(true);
+    students->AfterOpen = [](TDataSet *ds) { ShowAverage(ds->FieldByName(QStringLiteral("media"))); };
     auto *studentSource = new TDataSource(page);
     studentSource->setDataSet(students);
     students->Open();
 
-    auto *layout = new QHBoxLayout(page);
-    auto *splitter = new QSplitter;
-    splitter->addWidget(structureTree(context, page, students));
+    auto *structure = new TClientDataSet(page);
+    structure->setConnection(context.db);
+    structure->setCommandText(QStringLiteral("SELECT id, padre, codice, nome, livello, sito FROM struttura ORDER BY codice"));
+    auto *source = new TDataSource(page);
+    source->setDataSet(structure);
+
+    auto *title = new QLabel;
+    title->setStyleSheet(QStringLiteral("font-weight: bold; font-size: 11pt"));
+    auto *site = new TURLSpeedButton;
+    site->setText(QStringLiteral("Sito della facoltà"));
+    site->setDataSource(source);
+    site->setDataField(QStringLiteral("sito"));
+    auto *count = new QLabel;
+
+    // The students follow the chosen faculty (level 1) or course (level 2).
+    source->OnDataChange = [=](TDataSource *, TField *field) {
+        if (field || structure->State() != dsBrowse || structure->IsEmpty())
+            return;
+        const QString code = structure->FieldByName(QStringLiteral("codice"))->AsString();
+        const bool faculty = structure->FieldByName(QStringLiteral("livello"))->AsInteger() == 1;
+        title->setText((faculty ? QStringLiteral("Facoltà di ") : QStringLiteral("Corso di laurea in "))
+                       + structure->FieldByName(QStringLiteral("nome"))->AsString());
+        site->setToolTip(structure->FieldByName(QStringLiteral("sito"))->AsString());
+        students->setFilter((faculty ? QStringLiteral("facolta = '") : QStringLiteral("corso = '")) + code
+                            + QLatin1Char('\''));
+        count->setText(QStringLiteral("%1 studenti").arg(students->RecordCount()));
+    };
+
+    TDBReadTreeView *tree = structureTree(source);
+    structure->Open();
+    tree->expandAll();
+    // The first course of the first faculty, to start with.
+    if (TTreeNode *faculty = tree->GetFirstNode())
+        tree->setSelected(faculty->getFirstChild());
+
     auto *right = new QWidget;
     auto *column = new QVBoxLayout(right);
     column->setContentsMargins(0, 0, 0, 0);
-    column->addWidget(studentTable(page, studentSource), 1);
-    column->addWidget(ledPanel(studentSource));
+    auto *heading = new QHBoxLayout;
+    heading->addWidget(title);
+    heading->addStretch();
+    heading->addWidget(site);
+    column->addLayout(heading);
+    column->addWidget(studentGrid(studentSource), 1);
+    column->addWidget(count);
+
+    auto *splitter = new QSplitter;
+    splitter->addWidget(tree);
     splitter->addWidget(right);
     splitter->setStretchFactor(1, 1);
-    layout->addWidget(splitter);
+    splitter->setSizes({300, 700});
+
+    auto *layout = new QVBoxLayout(page);
+    layout->addWidget(IntroLabel(QStringLiteral(
+        "Le facoltà e i loro corsi di laurea, letti da una tabella che rimanda a se stessa. Si sceglie un ramo "
+        "per vederne gli studenti; il pulsante apre il sito della facoltà.")));
+    layout->addWidget(splitter, 1);
     return page;
 }
 
 } // namespace
 
-MATTONI_DEMO_PAGE(40, QStringLiteral("Facoltà e corsi"), createStructurePage);
+MATTONI_DEMO_PAGE(20, QStringLiteral("Facoltà e corsi"), createStructurePage);
