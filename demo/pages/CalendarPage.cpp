@@ -34,7 +34,7 @@ QWidget *createCalendarPage(DemoContext &)
     calendar->setUseCurrentDate(false);
     calendar->setCalendarDate(EncodeDate(2026, 3, 2));
     calendar->setWeekends({Sab, Dom});
-    calendar->setMinimumSize(calendar->sizeHint() * 1.5);
+    calendar->setMinimumSize(420, 260);
     const auto button = [&](const QString &text, void (TinCalendar::*step)()) {
         auto *b = new QPushButton(text);
         QObject::connect(b, &QPushButton::clicked, calendar, [calendar, step] { (calendar->*step)(); });

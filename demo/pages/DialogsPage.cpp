@@ -52,7 +52,7 @@ QWidget *preview(const KindSample &s)
                 s.kind == 64 ? QStringLiteral("assistenza@ateneo.it") : QString());
     box.ensurePolished();
     box.adjustSize();
-    const QPixmap shot = box.grab().scaledToWidth(390, Qt::SmoothTransformation);
+    const QPixmap shot = box.grab().scaledToWidth(340, Qt::SmoothTransformation);
     auto *frame = new QWidget;
     auto *layout = new QVBoxLayout(frame);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -92,7 +92,7 @@ QWidget *boxButtons(QLabel *outcome)
             const QString result = call();
             outcome->setText(QStringLiteral("%1: %2").arg(QLatin1String(name), result.isEmpty() ? QStringLiteral("chiuso") : result));
         });
-        grid->addWidget(button, i / 4, i % 4);
+        grid->addWidget(button, i / 3, i % 3);
         ++i;
     }
     return group;
@@ -101,7 +101,8 @@ QWidget *boxButtons(QLabel *outcome)
 QWidget *kindButtons(QLabel *outcome)
 {
     auto *group = new QGroupBox(QStringLiteral("Enter per tipo"));
-    auto *row = new QHBoxLayout(group);
+    auto *row = new QGridLayout(group);
+    int i = 0;
     for (const KindSample &s : samples) {
         auto *button = new QPushButton(QString::number(s.kind));
         QObject::connect(button, &QPushButton::clicked, outcome, [outcome, s] {
@@ -112,7 +113,8 @@ QWidget *kindButtons(QLabel *outcome)
                 box.Enter(QString::fromUtf8(s.caption), QString::fromUtf8(s.message), s.kind);
             outcome->setText(QStringLiteral("Tipo %1: risultato %2").arg(s.kind).arg(box.ModalResult()));
         });
-        row->addWidget(button);
+        row->addWidget(button, i / 5, i % 5);
+        ++i;
     }
     return group;
 }

@@ -149,6 +149,11 @@ private:
         TEnhancedColumn *tasse = m_grid->Column(7);
         tasse->setCheck(true);
         m_grid->Column(0)->setValidChar(QStringLiteral("0123456789"));
+        // Surname and name take what the other columns leave of the width.
+        for (int c : {1, 2}) {
+            m_grid->Column(c)->setAutoResize(true);
+            m_grid->Column(c)->setWidthMax(260);
+        }
         m_grid->setAlternateColor(true);
         m_grid->setMultiSelect(true);
         m_grid->setTitleSort(true);
