@@ -226,6 +226,22 @@ QVariant readValue(const QObject *component, const QMetaProperty &p, const QStri
     }
 }
 
+// The properties the class and its bases name in Q_CLASSINFO("StreamedLast", ...), in order.
+QStringList streamedLast(const QMetaObject *mo)
+{
+    QStringList names;
+    for (int i = mo->classInfoCount() - 1; i >= 0; --i) {
+        const QMetaClassInfo info = mo->classInfo(i);
+        if (qstrcmp(info.name(), "StreamedLast") != 0)
+            continue;
+        for (const QString &name : QString::fromLatin1(info.value()).split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+            if (!names.contains(name.trimmed()))
+                names.prepend(name.trimmed());
+        }
+    }
+    return names;
+}
+
 } // namespace
 
 QString ComponentToString(const QObject *component)
@@ -234,14 +250,23 @@ QString ComponentToString(const QObject *component)
     QString out = QStringLiteral("object %1: %2\n")
                       .arg(component->objectName().isEmpty() ? QStringLiteral("_") : component->objectName(),
                            QString::fromLatin1(mo->className()).section(QLatin1String("::"), -1));
+    const QStringList last = streamedLast(mo);
+    QStringList deferred(last.size());
     for (int i = 0; i < mo->propertyCount(); ++i) {
         const QMetaProperty p = mo->property(i);
         if (!p.isReadable() || !p.isWritable() || !p.isStored() || qstrcmp(p.name(), "objectName") == 0)
             continue;
         const QString value = writeValue(p, p.read(component));
-        if (!value.isEmpty())
-            out += QStringLiteral("  %1 = %2\n").arg(QString::fromLatin1(p.name()), value);
+        if (value.isEmpty())
+            continue;
+        const QString line = QStringLiteral("  %1 = %2\n").arg(QString::fromLatin1(p.name()), value);
+        const qsizetype at = last.indexOf(QString::fromLatin1(p.name()));
+        if (at >= 0)
+            deferred[at] = line;
+        else
+            out += line;
     }
+    out += deferred.join(QString());
     out += QStringLiteral("end\n");
     return out;
 }
@@ -249,7 +274,18 @@ QString ComponentToString(const QObject *component)
 void StringToComponent(const QString &text, QObject *component)
 {
     const QMetaObject *mo = component->metaObject();
-    const QStringList lines = text.split(QLatin1Char('\n'));
+    QStringList lines = text.split(QLatin1Char('\n'));
+    // The properties streamed last are read last, in their class's order.
+    const QStringList last = streamedLast(mo);
+    QStringList deferred(last.size());
+    for (qsizetype i = lines.size() - 1; i >= 0; --i) {
+        const QString name = lines.at(i).trimmed().section(QLatin1String(" = "), 0, 0);
+        const qsizetype at = last.indexOf(name);
+        if (at >= 0 && lines.at(i).contains(QLatin1String(" = "))) {
+            deferred[at] = lines.takeAt(i);
+        }
+    }
+    lines += deferred;
     for (const QString &raw : lines) {
         const QString line = raw.trimmed();
         if (line.isEmpty() || line == QLatin1String("end") || line.startsWith(QLatin1String("object ")))

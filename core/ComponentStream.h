@@ -9,6 +9,10 @@
 // Texts are quoted with doubled inner quotes and control characters as #n, enumerations and
 // flags by their names, references to other components by object name (looked up among the
 // component's parent's descendants on reading), any other type as {base64 of its QDataStream form}.
+//
+// A property that needs the others in place first (a dataset's Active, which opens it with its
+// command) is named in the class's Q_CLASSINFO("StreamedLast", "Active"), several separated by
+// ",": it is written after the others and, whatever the order of a text, read after them.
 #pragma once
 
 #include "Exceptions.h"

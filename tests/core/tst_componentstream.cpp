@@ -48,6 +48,28 @@ public:
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(TSample::TOptions)
 
+// Opens only once it knows what: Open is streamed after Source.
+class TOpener : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("StreamedLast", "Open")
+    Q_PROPERTY(bool Open READ isOpen WRITE setOpen)
+    Q_PROPERTY(QString Source MEMBER m_source)
+
+public:
+    using QObject::QObject;
+    bool isOpen() const { return m_open; }
+    void setOpen(bool value)
+    {
+        if (value && m_source.isEmpty())
+            throw EReadError(QStringLiteral("nothing to open"));
+        m_open = value;
+    }
+
+    bool m_open = false;
+    QString m_source;
+};
+
 class tst_ComponentStream : public QObject
 {
     Q_OBJECT
@@ -93,6 +115,21 @@ private slots:
         QCOMPARE(b.m_when, a.m_when);
         QCOMPARE(b.m_link, target);
         QCOMPARE(ComponentToString(&b).section(QLatin1Char('\n'), 1), text.section(QLatin1Char('\n'), 1));
+    }
+
+    void streamedLast()
+    {
+        TOpener a;
+        a.m_source = QStringLiteral("studenti");
+        a.setOpen(true);
+        const QString text = ComponentToString(&a);
+        QVERIFY(text.endsWith(QStringLiteral("  Open = True\nend\n")));
+        // Read last even where a text names it first.
+        for (const QString &t : {text, QStringLiteral("object x: TOpener\n  Open = True\n  Source = 'esami'\nend\n")}) {
+            TOpener b;
+            StringToComponent(t, &b);
+            QVERIFY(b.isOpen());
+        }
     }
 
     void badInputRaises_data()
