@@ -53,6 +53,8 @@ public:
 class MATTONI_CORE_EXPORT TDataSet : public QObject
 {
     Q_OBJECT
+    // A stored dataset opens once its command and connection are read.
+    Q_CLASSINFO("StreamedLast", "Active")
     Q_PROPERTY(bool Active READ Active WRITE setActive)
     Q_PROPERTY(bool AutoCalcFields READ AutoCalcFields WRITE setAutoCalcFields)
     Q_PROPERTY(QString Filter READ Filter WRITE setFilter)
