@@ -455,7 +455,9 @@ void TCustomClientDataSet::ActivateIndexSetting()
 
 void TCustomClientDataSet::setIndexName(const QString &name)
 {
-    if (name == m_indexName && m_indexFieldNames.isEmpty())
+    // The name it already has changes nothing, not even an order by IndexFieldNames (whose
+    // IndexName reads empty): a stored dataset reads back with both properties.
+    if (name == m_indexName)
         return;
     if (Active()) {
         Index *index = name.isEmpty() ? nullptr : m_store->FindIndex(name);

@@ -63,6 +63,7 @@ public:
     // duplicate keys with "Key violation". Nulls come first ---
     TIndexDefs &IndexDefs() { return m_indexDefs; }
     // The active index by name; empty is the default order (the order records were added in).
+    // Setting the name it already has changes nothing: an order by IndexFieldNames stays.
     QString IndexName() const { return m_indexName; }
     void setIndexName(const QString &name);
     // The active order by a ";"-separated field list, ascending and case-sensitive; setting it
