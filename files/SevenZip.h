@@ -6,6 +6,7 @@
 #include "DateTime.h"
 #include "mattoni_core_export.h"
 
+#include <QDataStream>
 #include <QList>
 #include <QObject>
 #include <QPair>
@@ -61,6 +62,9 @@ public:
     constexpr bool isEmpty() const { return m_bits == 0; }
     constexpr quint32 toInt() const { return m_bits; }
     friend constexpr bool operator==(TEnumSet a, TEnumSet b) { return a.m_bits == b.m_bits; }
+    // As one 32-bit word, so that the option properties stream through Qt's property system.
+    friend QDataStream &operator<<(QDataStream &out, TEnumSet set) { return out << set.m_bits; }
+    friend QDataStream &operator>>(QDataStream &in, TEnumSet &set) { return in >> set.m_bits; }
 
 private:
     static constexpr quint32 bit(E v) { return quint32(1) << unsigned(v); }
