@@ -8,6 +8,8 @@
 #include <QObject>
 #include <QStringList>
 
+#include <algorithm>
+
 namespace mattoni {
 
 EReadError::~EReadError() = default;
@@ -226,21 +228,54 @@ QVariant readValue(const QObject *component, const QMetaProperty &p, const QStri
     }
 }
 
-// The properties the class and its bases name in Q_CLASSINFO("StreamedLast", ...), in order.
-QStringList streamedLast(const QMetaObject *mo)
+// The properties the class and its bases name in Q_CLASSINFO(key, ...), bases first.
+QStringList classInfoNames(const QMetaObject *mo, const char *key)
 {
     QStringList names;
     for (int i = mo->classInfoCount() - 1; i >= 0; --i) {
         const QMetaClassInfo info = mo->classInfo(i);
-        if (qstrcmp(info.name(), "StreamedLast") != 0)
+        if (qstrcmp(info.name(), key) != 0)
             continue;
-        for (const QString &name : QString::fromLatin1(info.value()).split(QLatin1Char(','), Qt::SkipEmptyParts)) {
-            if (!names.contains(name.trimmed()))
-                names.prepend(name.trimmed());
+        const QStringList listed = QString::fromLatin1(info.value()).split(QLatin1Char(','), Qt::SkipEmptyParts);
+        for (auto it = listed.crbegin(); it != listed.crend(); ++it) {
+            if (!names.contains(it->trimmed()))
+                names.prepend(it->trimmed());
         }
     }
     return names;
 }
+
+// The order in which a class's properties are written and read: those named StreamedFirst, the
+// others, those named StreamedLast.
+struct StreamOrder
+{
+    explicit StreamOrder(const QMetaObject *mo)
+        : first(classInfoNames(mo, "StreamedFirst"))
+        , last(classInfoNames(mo, "StreamedLast"))
+    {
+    }
+    // 0 first, 1 in between, 2 last.
+    int group(const QString &name) const { return first.contains(name) ? 0 : last.contains(name) ? 2 : 1; }
+    int rank(const QString &name) const
+    {
+        const qsizetype i = first.indexOf(name);
+        return int(i >= 0 ? i : last.indexOf(name));
+    }
+    // Stable: lines keep their order within their group, the named ones take their class's order.
+    void sort(QList<QPair<QString, QString>> &lines) const
+    {
+        std::stable_sort(lines.begin(), lines.end(), [this](const auto &a, const auto &b) {
+            const int ga = group(a.first);
+            const int gb = group(b.first);
+            if (ga != gb)
+                return ga < gb;
+            return ga != 1 && rank(a.first) < rank(b.first);
+        });
+    }
+
+    QStringList first;
+    QStringList last;
+};
 
 } // namespace
 
@@ -250,23 +285,18 @@ QString ComponentToString(const QObject *component)
     QString out = QStringLiteral("object %1: %2\n")
                       .arg(component->objectName().isEmpty() ? QStringLiteral("_") : component->objectName(),
                            QString::fromLatin1(mo->className()).section(QLatin1String("::"), -1));
-    const QStringList last = streamedLast(mo);
-    QStringList deferred(last.size());
+    QList<QPair<QString, QString>> lines;
     for (int i = 0; i < mo->propertyCount(); ++i) {
         const QMetaProperty p = mo->property(i);
         if (!p.isReadable() || !p.isWritable() || !p.isStored() || qstrcmp(p.name(), "objectName") == 0)
             continue;
         const QString value = writeValue(p, p.read(component));
-        if (value.isEmpty())
-            continue;
-        const QString line = QStringLiteral("  %1 = %2\n").arg(QString::fromLatin1(p.name()), value);
-        const qsizetype at = last.indexOf(QString::fromLatin1(p.name()));
-        if (at >= 0)
-            deferred[at] = line;
-        else
-            out += line;
+        if (!value.isEmpty())
+            lines.append({QString::fromLatin1(p.name()), value});
     }
-    out += deferred.join(QString());
+    StreamOrder(mo).sort(lines);
+    for (const auto &[name, value] : lines)
+        out += QStringLiteral("  %1 = %2\n").arg(name, value);
     out += QStringLiteral("end\n");
     return out;
 }
@@ -274,20 +304,15 @@ QString ComponentToString(const QObject *component)
 void StringToComponent(const QString &text, QObject *component)
 {
     const QMetaObject *mo = component->metaObject();
-    QStringList lines = text.split(QLatin1Char('\n'));
-    // The properties streamed last are read last, in their class's order.
-    const QStringList last = streamedLast(mo);
-    QStringList deferred(last.size());
-    for (qsizetype i = lines.size() - 1; i >= 0; --i) {
-        const QString name = lines.at(i).trimmed().section(QLatin1String(" = "), 0, 0);
-        const qsizetype at = last.indexOf(name);
-        if (at >= 0 && lines.at(i).contains(QLatin1String(" = "))) {
-            deferred[at] = lines.takeAt(i);
-        }
-    }
-    lines += deferred;
-    for (const QString &raw : lines) {
+    // A text may hold its lines in any order: they are read in the class's stream order.
+    QList<QPair<QString, QString>> lines;
+    for (const QString &raw : text.split(QLatin1Char('\n'))) {
         const QString line = raw.trimmed();
+        lines.append({line.section(QLatin1String(" = "), 0, 0), raw});
+    }
+    StreamOrder(mo).sort(lines);
+    for (const auto &entry : lines) {
+        const QString line = entry.second.trimmed();
         if (line.isEmpty() || line == QLatin1String("end") || line.startsWith(QLatin1String("object ")))
             continue;
         const int eq = int(line.indexOf(QLatin1String(" = ")));

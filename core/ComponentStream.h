@@ -12,7 +12,9 @@
 //
 // A property that needs the others in place first (a dataset's Active, which opens it with its
 // command) is named in the class's Q_CLASSINFO("StreamedLast", "Active"), several separated by
-// ",": it is written after the others and, whatever the order of a text, read after them.
+// ",": it is written after the others and, whatever the order of a text, read after them. One
+// that sets others (a button's Kind, which sets its caption) is named in "StreamedFirst": it is
+// written and read before them.
 #pragma once
 
 #include "Exceptions.h"
