@@ -36,6 +36,8 @@ enum TBitBtnKind { bkCustom, bkOK, bkCancel, bkYes, bkNo, bkAbort, bkRetry, bkIg
 class MATTONI_WIDGETS_EXPORT TBitBtn : public QPushButton
 {
     Q_OBJECT
+    // A stored button takes its kind first: the caption and result stored after it win.
+    Q_CLASSINFO("StreamedFirst", "Kind")
     Q_PROPERTY(TBitBtnKind Kind READ Kind WRITE setKind NOTIFY KindChanged)
     Q_PROPERTY(int ModalResult READ ModalResult WRITE setModalResult NOTIFY ModalResultChanged)
     Q_PROPERTY(bool Cancel READ Cancel WRITE setCancel NOTIFY CancelChanged)
