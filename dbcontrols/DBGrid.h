@@ -266,7 +266,8 @@ class MATTONI_WIDGETS_EXPORT TCustomDBGrid : public QTableView
     Q_PROPERTY(mattoni::TColor FixedColor READ FixedColor WRITE setFixedColor)
     Q_PROPERTY(mattoni::DBGridTypes::TDBGridOptions Options READ Options WRITE setOptions)
     Q_PROPERTY(bool ReadOnly READ ReadOnly WRITE setReadOnly)
-    Q_PROPERTY(int SelectedIndex READ SelectedIndex WRITE setSelectedIndex)
+    // Where the cursor is among the columns: run-time state, not stored with the grid.
+    Q_PROPERTY(int SelectedIndex READ SelectedIndex WRITE setSelectedIndex STORED false)
     Q_PROPERTY(QFont TitleFont READ TitleFont WRITE setTitleFont)
 
 public:
