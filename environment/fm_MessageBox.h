@@ -28,9 +28,6 @@ inline constexpr int mrIgnore = 5;
 inline constexpr int mrYes = 6;
 inline constexpr int mrNo = 7;
 
-// The standard kinds of a bitmap button: each sets a caption, a glyph and a modal result.
-enum TBitBtnKind { bkCustom, bkOK, bkCancel, bkYes, bkNo, bkAbort, bkRetry, bkIgnore };
-
 // A push button with a kind, a modal result that closes its dialog when clicked, and a Cancel
 // flag that makes it answer Escape (Default, from QPushButton, makes it answer Enter).
 class MATTONI_WIDGETS_EXPORT TBitBtn : public QPushButton
@@ -43,6 +40,9 @@ class MATTONI_WIDGETS_EXPORT TBitBtn : public QPushButton
     Q_PROPERTY(bool Cancel READ Cancel WRITE setCancel NOTIFY CancelChanged)
 
 public:
+    // The standard kinds: each sets a caption, a glyph and a modal result. Declared in the class
+    // so that a form's generated code can name them (mattoni::TBitBtn::bkNo).
+    enum TBitBtnKind { bkCustom, bkOK, bkCancel, bkYes, bkNo, bkAbort, bkRetry, bkIgnore };
     Q_ENUM(TBitBtnKind)
 
     explicit TBitBtn(QWidget *parent = nullptr);
@@ -66,6 +66,9 @@ private:
     int m_modalResult = mrNone;
     bool m_cancel = false;
 };
+
+using TBitBtnKind = TBitBtn::TBitBtnKind;
+using enum TBitBtn::TBitBtnKind;
 
 class MATTONI_WIDGETS_EXPORT TfmMessageBox : public QDialog
 {
