@@ -92,15 +92,17 @@ void lineEdit(QPainter &p, const QString &content)
     p.drawLine(QPointF(26.5, 11), QPointF(26.5, 21));
 }
 
+// Three numbers side by side; the student's own one stands out.
 void matricola(QPainter &p)
 {
     box(p, QRectF(0.5, 9.5, 31, 13));
     p.setPen(pen(Frame));
     p.drawLine(QPointF(7.5, 10), QPointF(7.5, 22));
-    p.drawLine(QPointF(19.5, 10), QPointF(19.5, 22));
-    text(p, QRectF(1, 10, 7, 12), QStringLiteral("01"), 6);
-    text(p, QRectF(8, 10, 12, 12), QStringLiteral("0101"), 6);
-    text(p, QRectF(20, 10, 12, 12), QStringLiteral("042"), 7, Blue, Qt::AlignCenter, true);
+    p.drawLine(QPointF(17.5, 10), QPointF(17.5, 22));
+    p.setPen(pen(QColor(150, 155, 165), 2.0));
+    p.drawLine(QPointF(2.5, 16), QPointF(5.5, 16));
+    p.drawLine(QPointF(10, 16), QPointF(15, 16));
+    text(p, QRectF(18, 10, 14, 12), QStringLiteral("42"), 9, Blue, Qt::AlignCenter, true);
 }
 
 void annoAccademico(QPainter &p)
@@ -240,6 +242,17 @@ void envelope(QPainter &p)
     p.drawPolyline(QPolygonF({{2.5, 7.5}, {16, 18}, {29.5, 7.5}}));
 }
 
+// A push button with the green check of the OK kind.
+void bitButton(QPainter &p)
+{
+    p.setPen(pen(Frame));
+    p.setBrush(QColor(236, 238, 242));
+    p.drawRoundedRect(QRectF(1.5, 7.5, 29, 17), 3, 3);
+    p.setPen(pen(QColor(0, 140, 40), 2.2));
+    p.drawPolyline(QPolygonF({{5.5, 16}, {8.5, 19}, {13.5, 12}}));
+    text(p, QRectF(15, 8, 15, 16), QStringLiteral("OK"), 8);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -271,6 +284,7 @@ int main(int argc, char **argv)
         {"TDBReadTreeView", treeView},
         {"TURLSpeedButton", globe},
         {"TMAILSpeedButton", envelope},
+        {"TBitBtn", bitButton},
     };
     for (const auto &[name, draw] : icons) {
         QImage image(32, 32, QImage::Format_ARGB32);
