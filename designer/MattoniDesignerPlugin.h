@@ -20,6 +20,7 @@ struct MattoniWidgetInfo
     int width;               // the size it is dropped with
     int height;
     const char *toolTip;
+    const QMetaObject *meta;
     std::function<QWidget *(QWidget *parent)> create;
 };
 

@@ -67,13 +67,25 @@ private slots:
             // The header a user's program includes is one of the library's.
             QVERIFY2(!w->includeFile().contains(QLatin1Char('/')), qPrintable(w->includeFile()));
             // What Designer drops on a form is the class it names, made by the plugin.
+            QString widgetClass;
+            QString extends;
             QXmlStreamReader xml(w->domXml());
-            while (xml.readNextStartElement() && xml.name() != QLatin1String("widget")) {
+            while (!xml.atEnd()) {
+                if (xml.readNext() != QXmlStreamReader::StartElement)
+                    continue;
+                if (xml.name() == QLatin1String("widget"))
+                    widgetClass = xml.attributes().value(QLatin1String("class")).toString();
+                else if (xml.name() == QLatin1String("extends"))
+                    extends = xml.readElementText();
             }
-            QCOMPARE(xml.attributes().value(QLatin1String("class")).toString(), w->name());
+            QVERIFY2(!xml.hasError(), qPrintable(xml.errorString()));
+            QCOMPARE(widgetClass, w->name());
             QWidget *made = w->createWidget(&parent);
             QVERIFY(made);
             QCOMPARE(QString::fromLatin1(made->metaObject()->className()), w->name());
+            // Forms name the Qt class it extends.
+            QVERIFY2(extends.startsWith(QLatin1Char('Q')) && made->inherits(extends.toLatin1().constData()),
+                     qPrintable(extends));
         }
         QCOMPARE(names, widgetClasses);
         // Each header exists among the library's public headers.
