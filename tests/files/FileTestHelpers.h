@@ -15,7 +15,14 @@
 #include <QTimer>
 #include <QtTest>
 
+#include "Exceptions.h"
+
 #include <functional>
+
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 namespace filetest {
 
@@ -66,6 +73,40 @@ inline QStringList listing(const QString &root)
     return out;
 }
 
+// The entry names of Listing.
+inline QStringList names(const QString &root)
+{
+    QStringList out;
+    for (const QString &line : listing(root))
+        out << line.section(QLatin1Char(' '), 0, 0);
+    return out;
+}
+
+// The message of the error of type E that Call raises, or what happened instead.
+template <typename E>
+QString raised(const std::function<void()> &call)
+{
+    try {
+        call();
+    } catch (const mattoni::Exception &e) {
+        return dynamic_cast<const E *>(&e) ? e.Message() : QStringLiteral("other error: ") + e.Message();
+    }
+    return QStringLiteral("(no error)");
+}
+
+// The immutable flag: not even root may delete a file while it is set.
+inline bool setImmutable(const QString &path, bool on)
+{
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY);
+    int flags = 0;
+    bool ok = fd >= 0 && ::ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0;
+    flags = on ? flags | FS_IMMUTABLE_FL : flags & ~FS_IMMUTABLE_FL;
+    ok = ok && ::ioctl(fd, FS_IOC_SETFLAGS, &flags) == 0;
+    if (fd >= 0)
+        ::close(fd);
+    return ok;
+}
+
 // One modal dialog on screen.
 struct Dialog
 {
@@ -82,7 +123,10 @@ struct Dialog
                 return;
             }
         }
-        QFAIL(qPrintable(QStringLiteral("no button \"%1\" in \"%2\"").arg(caption, title)));
+        // Closed all the same, so that the operation under test goes on and the test ends.
+        QTest::qFail(qPrintable(QStringLiteral("no button \"%1\" in \"%2\"").arg(caption, title)), __FILE__, __LINE__);
+        if (auto *dialog = qobject_cast<QDialog *>(widget))
+            dialog->reject();
     }
     // Replaces the text of the dialog's edit by typing.
     void type(const QString &value) const
