@@ -31,6 +31,17 @@ QString fileNameFor(int index, const QString &title)
     return QStringLiteral("%1-%2.png").arg(index + 1, 2, 10, QLatin1Char('0')).arg(slug);
 }
 
+// In the screenshot walk every warning counts as a failure, so the walk doubles as a test.
+int g_warnings = 0;
+QtMessageHandler g_previousHandler = nullptr;
+
+void countWarnings(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    if (type == QtWarningMsg || type == QtCriticalMsg || type == QtFatalMsg)
+        ++g_warnings;
+    g_previousHandler(type, context, message);
+}
+
 int walkPages(MainWindow &window, const QString &folder)
 {
     QDir().mkpath(folder);
@@ -45,7 +56,7 @@ int walkPages(MainWindow &window, const QString &folder)
         }
         qInfo("%s", qPrintable(file));
     }
-    return 0;
+    return g_warnings == 0 ? 0 : 1;
 }
 
 // The demo keeps its settings store in its data folder, so it never touches the machine's.
@@ -97,6 +108,8 @@ int main(int argc, char **argv)
     parser.addOption(dataOption);
     parser.addOption(shotsOption);
     parser.process(app);
+    if (parser.isSet(shotsOption))
+        g_previousHandler = qInstallMessageHandler(countWarnings);
 
     // The family's applications were written for the Italian conventions.
     mattoni::SetItalianFormatSettings();
