@@ -188,7 +188,8 @@ bool TCustomCopyFile::DiskInDrive(QChar Drive)
 
 void TCustomCopyFile::CopyNow()
 {
-    const bool sourceExists = !m_copyFrom.isEmpty() && fs::fileExists(m_copyFrom);
+    struct stat sourceInfo;
+    const bool sourceExists = !m_copyFrom.isEmpty() && fs::fileExists(m_copyFrom, sourceInfo);
     if (sourceExists) {
         // Asked even when CopyTo is empty or a bare name: its folder part is then empty.
         const QString folder = ExtractFilePath(m_copyTo);
@@ -211,8 +212,7 @@ void TCustomCopyFile::CopyNow()
     // A measured tree keeps its total, so that the bar runs once over all of it.
     if (!(m_progressKind == pkDirectory && m_totalSize != 0)) {
         m_bytesProcessed = 0;
-        struct stat st;
-        m_totalSize = ::stat(fs::localPath(m_copyFrom).constData(), &st) == 0 ? fs::wrap32(st.st_size) : 0;
+        m_totalSize = fs::wrap32(sourceInfo.st_size);
     }
 
     Start();
@@ -242,8 +242,9 @@ void TCustomCopyFile::CopyNow()
         std::array<char, kBlockSize> buffer;
         // The destination's name in both messages, also when the source failed to open: the
         // message has always named the file being made.
-        if (!source.openRead(m_copyFrom) || !source.stat(sourceStat))
+        if (!source.openRead(m_copyFrom))
             throw EFOpenError(Format(kCreateError, {m_copyTo}));
+        sourceStat = source.status();
         if (!destination.create(m_copyTo))
             throw EFCreateError(Format(kCreateError, {m_copyTo}));
         qint64 read;

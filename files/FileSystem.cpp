@@ -63,6 +63,11 @@ bool matchesAll(const QString &mask)
 bool fileExists(const QString &path)
 {
     struct stat st;
+    return fileExists(path, st);
+}
+
+bool fileExists(const QString &path, struct stat &st)
+{
     return statPath(path, st) && !S_ISDIR(st.st_mode);
 }
 
@@ -183,8 +188,7 @@ bool File::openLocked(const QString &path, int flags, int lock)
     while (fd < 0 && errno == EINTR);
     if (fd < 0)
         return false;
-    struct stat st;
-    if (::fstat(fd, &st) != 0 || S_ISDIR(st.st_mode) || ::flock(fd, lock | LOCK_NB) != 0) {
+    if (::fstat(fd, &m_stat) != 0 || S_ISDIR(m_stat.st_mode) || ::flock(fd, lock | LOCK_NB) != 0) {
         ::close(fd);
         return false;
     }
@@ -199,10 +203,12 @@ bool File::openRead(const QString &path)
 
 bool File::create(const QString &path)
 {
-    // Truncated only once the lock is ours, so a file someone else holds is left alone.
+    // Truncated only once the lock is ours, so a file someone else holds is left alone; and
+    // only when there is something to cut, since ext4 flushes a truncated file when it is
+    // closed.
     if (!openLocked(path, O_WRONLY | O_CREAT, LOCK_EX))
         return false;
-    if (::ftruncate(m_fd, 0) != 0) {
+    if (m_stat.st_size > 0 && ::ftruncate(m_fd, 0) != 0) {
         close();
         return false;
     }
@@ -255,9 +261,5 @@ bool File::seekToEnd()
     return ::lseek(m_fd, 0, SEEK_END) >= 0;
 }
 
-bool File::stat(struct stat &st) const
-{
-    return ::fstat(m_fd, &st) == 0;
-}
 
 } // namespace mattoni::fs

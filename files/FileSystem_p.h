@@ -16,6 +16,8 @@ QByteArray localPath(const QString &path);
 
 // A file that is not a folder (links are followed).
 bool fileExists(const QString &path);
+// The same, with the file's status.
+bool fileExists(const QString &path, struct stat &st);
 bool directoryExists(const QString &path);
 // Creates the folder and every missing parent; true when the folder exists afterwards.
 bool forceDirectories(const QString &path);
@@ -80,11 +82,13 @@ public:
     qint64 read(char *buffer, qint64 size);
     qint64 write(const char *buffer, qint64 size);
     bool seekToEnd();
-    bool stat(struct stat &st) const;
+    // The file's status when it was opened.
+    const struct stat &status() const { return m_stat; }
 
 private:
     bool openLocked(const QString &path, int flags, int lock);
     int m_fd = -1;
+    struct stat m_stat = {};
 };
 
 } // namespace mattoni::fs

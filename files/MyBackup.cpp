@@ -450,11 +450,10 @@ void TMyBackup::ReadFile(const QString &FileName)
 {
     fs::File source;
     const bool opened = source.openRead(FileName);
-    struct stat st;
     // Without an archive size from the first disk, the first file's size stands for it.
     if (m_totalSize == 0) {
         m_bytesProcessed = 0;
-        m_totalSize = opened && source.stat(st) ? fs::wrap32(st.st_size) : 0;
+        m_totalSize = opened ? fs::wrap32(source.status().st_size) : 0;
     }
     const QString name = ExtractFileName(FileName);
     WriteFileName(Format(QStringLiteral("Copia di %s"), {name}));
