@@ -159,7 +159,7 @@ void TCustomCopyFile::SetProgress(qint32 Percent)
 void TCustomCopyFile::SetCaption(const QString &Text)
 {
     // Compared first: a caption set again for every file of a tree costs a trip to the display.
-    if (m_form && (m_form->windowTitle() != Text || Text.isEmpty()))
+    if (m_form && m_form->windowTitle() != Text)
         m_form->setWindowTitle(Text);
 }
 

@@ -155,6 +155,13 @@ bool TMyBackup::CheckDiskContent()
     setSendEvents(false);
     bool ok = true;
     const QString root = driveRoot();
+    // Deleting a folder measures it: the backup's own total and count must survive that.
+    const qint32 total = m_totalSize;
+    const qint32 processed = m_bytesProcessed;
+    const auto keepCounts = [&] {
+        m_totalSize = total;
+        m_bytesProcessed = processed;
+    };
     try {
         for (const fs::Entry &e : fs::listFolder(root, QStringLiteral("*.*"))) {
             if (isDots(e.name))
@@ -165,9 +172,11 @@ bool TMyBackup::CheckDiskContent()
                 break;
         }
     } catch (...) {
+        keepCounts();
         setSendEvents(true);
         throw;
     }
+    keepCounts();
     // Switched back on, not restored: the events are on after a disk has been emptied.
     setSendEvents(true);
     if (!ok)

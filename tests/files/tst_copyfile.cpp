@@ -643,6 +643,55 @@ private slots:
         QVERIFY(!QFile::exists(path(to)));
     }
 
+    void missingDestinationFolder_data()
+    {
+        QTest::addColumn<QString>("to");
+        QTest::addColumn<QString>("answer");
+        QTest::addColumn<QStringList>("dialogs");
+        QTest::addColumn<bool>("copied");
+        const auto question = [](const QString &folder) {
+            // Two blanks after "destinazione"; the two carriage returns make an empty line.
+            return QStringLiteral("CONFERMA: La cartella di destinazione  %1 non esiste...\n\nVuoi creare la cartella ?").arg(folder);
+        };
+        const QString stopped = QStringLiteral("ATTENZIONE: Processo interrotto!");
+        QTest::newRow("yes: created with its parents")
+            << "new/deeper/dst.txt" << "Si" << QStringList{question("new/deeper/")} << true;
+        QTest::newRow("no: nothing done") << "new/deeper/dst.txt" << "No" << QStringList{question("new/deeper/"), stopped} << false;
+        QTest::newRow("bare name: an empty folder") << "=bare.txt" << "No" << QStringList{question(""), stopped} << false;
+        // Asked even without a destination, which then gets the OnNotExists message.
+        QTest::newRow("no destination")
+            << "=" << "Si" << QStringList{question(""), QApplication::applicationDisplayName() + ": Manca la destinazione"} << false;
+    }
+    void missingDestinationFolder()
+    {
+        QFETCH(QString, to);
+        QFETCH(QString, answer);
+        QFETCH(QStringList, dialogs);
+        QFETCH(bool, copied);
+        QVERIFY(writeFile(path("src.txt"), "source"));
+        // "=" marks a destination taken as it stands, without the test folder in front.
+        const QString destination = to.startsWith('=') ? to.mid(1) : path(to);
+        const QString folderShown = to.startsWith('=') ? QString() : path("new/deeper/");
+        for (QString &d : dialogs)
+            d.replace(QStringLiteral("new/deeper/"), folderShown);
+        TCopyFile copy;
+        copy.setOnNotExists(QStringLiteral("Manca la destinazione"));
+        EventLog events;
+        events.attach(copy);
+        DialogWatcher watcher([&](const Dialog &d) { d.press(d.title == "CONFERMA" ? answer : QStringLiteral("OK")); });
+        copy.setCopyFrom(path("src.txt"));
+        copy.setCopyTo(destination);
+        copy.CopyNow();
+        QCOMPARE(watcher.seen, dialogs);
+        QCOMPARE(QFile::exists(path("new/deeper")), copied);
+        if (copied) {
+            QCOMPARE(readFile(path(to)), QByteArray("source"));
+            QCOMPARE(events.log.count("finish"), 1);
+        } else {
+            QVERIFY(events.log.isEmpty());
+        }
+    }
+
     void drives_data()
     {
         QTest::addColumn<QChar>("drive");

@@ -276,15 +276,19 @@ private slots:
         QCOMPARE(restoreCaptions, QStringList{"Ripristino"});
     }
 
-    // A block that fills the room exactly stays; the next one moves whole to the next disk.
+    // A block that fills the room exactly stays; the next one moves whole to the next disk,
+    // which is emptied first without changing the backup's total.
     void blockThatFitsExactly()
     {
         QVERIFY(writeFile(path("src/f.dat"), pattern(8 * 8192, 5)));
         Disk &d1 = disk(64), &d2 = disk(64); // 64 KiB: room for seven blocks
+        QVERIFY(writeFile(d2.path + "/old/x.bin", pattern(4000)));
         insert(d1);
         TMyBackup b;
         configure(b, path("src"));
-        b.setProgress(false);
+        b.setConfirmDelete(false);
+        QList<int> percents;
+        b.OnOperationProgress = [&](QObject *, qint32 p, bool &) { percents << p; };
         DialogWatcher watcher([&](const Dialog &d) {
             insert(d2);
             d.press(QStringLiteral("OK"));
@@ -292,7 +296,11 @@ private slots:
         b.Backup();
         QCOMPARE(readFile(d1.path + "/f.dat").size(), 7 * 8192);
         QCOMPARE(readFile(d2.path + "/f.dat").size(), 8192);
+        QCOMPARE(names(d2.path), (QStringList{"f.dat", "infos.txt"}));
         QCOMPARE(watcher.seen, QStringList{prompt(2, 'A')});
+        QVERIFY(d2.infos().contains("\r\nArchiveSize=65536\r\n"));
+        // Halves round to even, as the framework rounds.
+        QCOMPARE(percents, (QList<int>{12, 25, 38, 50, 62, 75, 88, 100}));
     }
 
     void infoFile_data()
