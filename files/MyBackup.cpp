@@ -298,21 +298,32 @@ void TMyBackup::CheckPath()
 
 void TMyBackup::Backup()
 {
+    run(opBackup, m_backupCaption, [this] {
+        PrecalcDirSize(m_filesPath);
+        WriteFiles();
+    });
+}
+
+// One Backup or Restore: the operation opened, the caption shown, the folder and the first
+// disk checked, the work done; the operation is closed whatever happens.
+template <typename Work>
+void TMyBackup::run(TOperation operation, const QString &caption, Work &&work)
+{
     m_diskNumber = 1;
-    m_operation = opBackup;
+    m_operation = operation;
     Start();
-    const auto closeUp = [this] {
-        WriteFileName(QString());
+    const auto closeUp = [this, operation] {
+        if (operation == opBackup)
+            WriteFileName(QString());
         m_operation = opNone;
         Finish();
     };
     try {
-        SetCaption(m_backupCaption);
+        SetCaption(caption);
         WriteFileName(QString());
         CheckPath();
         CheckDrive();
-        PrecalcDirSize(m_filesPath);
-        WriteFiles();
+        work();
     } catch (...) {
         closeUp();
         throw;
@@ -413,24 +424,7 @@ void TMyBackup::WriteInfos()
 
 void TMyBackup::Restore()
 {
-    m_diskNumber = 1;
-    m_operation = opRestore;
-    Start();
-    const auto closeUp = [this] {
-        m_operation = opNone;
-        Finish();
-    };
-    try {
-        SetCaption(m_restoreCaption);
-        WriteFileName(QString());
-        CheckPath();
-        CheckDrive();
-        ReadFiles();
-    } catch (...) {
-        closeUp();
-        throw;
-    }
-    closeUp();
+    run(opRestore, m_restoreCaption, [this] { ReadFiles(); });
 }
 
 void TMyBackup::ReadFiles()

@@ -114,6 +114,8 @@ signals:
     void InfosFileNameChanged();
 
 private:
+    template <typename Work>
+    void run(TOperation operation, const QString &caption, Work &&work);
     void validateDrivePath();
     // The insert-disk prompt; false when the user cancels it.
     bool askForDisk(int disk);

@@ -106,6 +106,18 @@ class tst_CopyFile : public QObject
         QVERIFY(QDir().mkpath(root + "/emptydir"));
     }
 
+    // Bytes into From, copied by CopyNow to To with the events logged; To must then hold them.
+    void copyWithoutWindow(TCopyFile &copy, EventLog &events, const QByteArray &bytes, const char *from, const char *to)
+    {
+        QVERIFY(writeFile(path(from), bytes));
+        copy.setProgress(false);
+        events.attach(copy);
+        copy.setCopyFrom(path(from));
+        copy.setCopyTo(path(to));
+        copy.CopyNow();
+        QCOMPARE(readFile(path(to)), bytes);
+    }
+
 private slots:
     void initTestCase() { ::umask(022); }
     void init()
@@ -177,15 +189,9 @@ private slots:
         QFETCH(QStringList, progress);
         QFETCH(int, processed);
         const QByteArray bytes = pattern(size, size);
-        QVERIFY(writeFile(path("src.bin"), bytes));
         TCopyFile copy;
-        copy.setProgress(false);
         EventLog events;
-        events.attach(copy);
-        copy.setCopyFrom(path("src.bin"));
-        copy.setCopyTo(path("dst.bin"));
-        copy.CopyNow();
-        QCOMPARE(readFile(path("dst.bin")), bytes);
+        copyWithoutWindow(copy, events, bytes, "src.bin", "dst.bin");
         QCOMPARE(events.log, (QStringList{"start", "file src.bin"} + progress + QStringList{"finish"}));
         QCOMPARE(copy.Processed(), processed);
         QCOMPARE(readFile(path("src.bin")), bytes);
@@ -194,22 +200,15 @@ private slots:
     // Bytes x 100 overflows 32 bits past 21,474,836 bytes: the bar swings to negative values.
     void percentageOverflow()
     {
-        const QByteArray bytes = pattern(24000000, 9);
-        QVERIFY(writeFile(path("big.bin"), bytes));
         TCopyFile copy;
-        copy.setProgress(false);
         EventLog events;
-        events.attach(copy);
-        copy.setCopyFrom(path("big.bin"));
-        copy.setCopyTo(path("copy.bin"));
-        copy.CopyNow();
+        copyWithoutWindow(copy, events, pattern(24000000, 9), "big.bin", "copy.bin");
         const QList<int> p = events.percents();
         QCOMPARE(p.size(), 2930);
         QCOMPARE(p.at(2620), 89);  // 21,471,232 bytes
         QCOMPARE(p.at(2621), -89); // 21,479,424 bytes
         QCOMPARE(p.last(), -79);
         QCOMPARE(copy.Processed(), -79);
-        QCOMPARE(readFile(path("copy.bin")), bytes);
     }
 
     void timesAndAttributes_data()
