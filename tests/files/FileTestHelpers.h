@@ -53,8 +53,7 @@ inline QByteArray readFile(const QString &path)
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
 }
 
-// Every entry under Root, folders marked with a trailing "/", files followed by their bytes'
-// checksum and size: two trees with equal listings hold the same files.
+// Every entry under Root: folders with a trailing "/", files with their size and checksum.
 inline QStringList listing(const QString &root)
 {
     QStringList out;
@@ -128,7 +127,6 @@ struct Dialog
         if (auto *dialog = qobject_cast<QDialog *>(widget))
             dialog->reject();
     }
-    // Replaces the text of the dialog's edit by typing.
     void type(const QString &value) const
     {
         auto *edit = widget->findChild<QLineEdit *>();
