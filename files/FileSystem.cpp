@@ -203,10 +203,25 @@ bool File::openRead(const QString &path)
 
 bool File::create(const QString &path)
 {
-    // Truncated only once the lock is ours, so a file someone else holds is left alone; and
-    // only when there is something to cut, since ext4 flushes a truncated file when it is
-    // closed.
-    if (!openLocked(path, O_WRONLY | O_CREAT, LOCK_EX))
+    close();
+    // A new file is empty and ours: only the lock is left to take.
+    const QByteArray local = localPath(path);
+    if (local.isEmpty())
+        return false;
+    const int fd = ::open(local.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (fd >= 0) {
+        if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
+            ::close(fd);
+            return false;
+        }
+        m_fd = fd;
+        m_stat = {};
+        return true;
+    }
+    // An existing file is truncated only once the lock is ours, so a file someone else holds
+    // is left alone; and only when there is something to cut, since ext4 flushes a truncated
+    // file when it is closed.
+    if (errno != EEXIST || !openLocked(path, O_WRONLY, LOCK_EX))
         return false;
     if (m_stat.st_size > 0 && ::ftruncate(m_fd, 0) != 0) {
         close();

@@ -82,7 +82,7 @@ public:
     qint64 read(char *buffer, qint64 size);
     qint64 write(const char *buffer, qint64 size);
     bool seekToEnd();
-    // The file's status when it was opened.
+    // The status of a file opened to be read, as it was opened.
     const struct stat &status() const { return m_stat; }
 
 private:
