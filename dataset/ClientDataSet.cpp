@@ -199,22 +199,7 @@ void TCustomClientDataSet::LoadCommand()
     if (!ok)
         DatabaseError(sqlErrorText(query.lastError()), this);
 
-    const QSqlRecord record = query.record();
-    FieldDefs().Clear();
-    QList<TFieldType> types;
-    for (int i = 0; i < record.count(); ++i) {
-        const QSqlField column = record.field(i);
-        QString name = column.name();
-        // Two columns of one name (a join) keep apart as NAME and NAME_1, NAME_2 ...
-        for (int n = 1; FieldDefs().FindDef(name); ++n)
-            name = column.name() + QLatin1Char('_') + QString::number(n);
-        const TFieldType type = fieldTypeOf(column);
-        const int size = type == ftString ? std::max(0, column.length()) : 0;
-        TFieldDef *def = FieldDefs().Add(name, type, size, column.requiredStatus() == QSqlField::Required);
-        if (type == ftFloat && column.precision() > 0)
-            def->setPrecision(column.precision());
-        types.append(type);
-    }
+    const QList<TFieldType> types = DefsFromRecord(query.record());
     CreateStore();
 
     QVariantList values(types.size());
@@ -280,17 +265,27 @@ void TCustomClientDataSet::InternalInitFieldDefs()
     query.setForwardOnly(true);
     if (!query.exec(m_commandText))
         DatabaseError(sqlErrorText(query.lastError()), this);
-    const QSqlRecord record = query.record();
+    DefsFromRecord(query.record());
+}
+
+QList<TFieldType> TCustomClientDataSet::DefsFromRecord(const QSqlRecord &record)
+{
     FieldDefs().Clear();
+    QList<TFieldType> types;
     for (int i = 0; i < record.count(); ++i) {
         const QSqlField column = record.field(i);
         QString name = column.name();
+        // Two columns of one name (a join) keep apart as NAME and NAME_1, NAME_2 ...
         for (int n = 1; FieldDefs().FindDef(name); ++n)
             name = column.name() + QLatin1Char('_') + QString::number(n);
         const TFieldType type = fieldTypeOf(column);
-        FieldDefs().Add(name, type, type == ftString ? std::max(0, column.length()) : 0,
-                        column.requiredStatus() == QSqlField::Required);
+        const int size = type == ftString ? std::max(0, column.length()) : 0;
+        TFieldDef *def = FieldDefs().Add(name, type, size, column.requiredStatus() == QSqlField::Required);
+        if (type == ftFloat && column.precision() > 0)
+            def->setPrecision(column.precision());
+        types.append(type);
     }
+    return types;
 }
 
 void TCustomClientDataSet::EmptyDataSet()

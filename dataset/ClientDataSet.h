@@ -11,6 +11,7 @@
 #include "mattoni_core_export.h"
 
 #include <QSqlDatabase>
+#include <QSqlRecord>
 
 #include <deque>
 #include <memory>
@@ -128,6 +129,8 @@ protected:
 private:
     QSqlDatabase Database() const;
     void LoadCommand();
+    // FieldDefs as the columns of a query's record; their types, in order.
+    QList<TFieldType> DefsFromRecord(const QSqlRecord &record);
     std::unique_ptr<detail::Index> MakeIndex(const QString &name, const QString &fields, TIndexOptions options,
                                              const QString &descFields, const QString &caseInsFields,
                                              int groupingLevel) const;

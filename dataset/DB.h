@@ -88,7 +88,6 @@ inline constexpr char SCannotCreateDataSet[] = "No fields defined. Cannot create
 inline constexpr char SNoDataProvider[] = "Missing data provider or data packet";
 inline constexpr char SNoConnection[] = "SQL connection '%s' not found";
 inline constexpr char SRecordNotFound[] = "Record not found";
-inline constexpr char SInvalidBookmark[] = "Invalid bookmark";
 inline constexpr char SIndexNotFound[] = "Index '%s' not found";
 inline constexpr char SDuplicateIndexName[] = "Duplicate index name '%s'";
 inline constexpr char SIndexNameMissing[] = "Index name missing";
@@ -97,7 +96,6 @@ inline constexpr char SKeyViol[] = "Key violation";
 inline constexpr char SFieldIndexError[] = "Field '%s' cannot be used in an index";
 inline constexpr char SParameterNotFound[] = "Parameter '%s' not found";
 inline constexpr char SLookupInfoError[] = "Lookup information for field '%s' is incomplete";
-inline constexpr char SFieldValueError[] = "Invalid value for field '%s'";
 inline constexpr char SFilterParseError[] = "Filter expression error at position %d: %s";
 } // namespace DBConsts
 

@@ -1189,18 +1189,30 @@ void TDataSet::RefilterRows()
     NotifyRowsReset();
 }
 
-void TDataSet::setFilter(const QString &text)
+template<typename T>
+void TDataSet::ChangeFilterSetting(T &setting, const T &value)
 {
-    if (text == m_filterText)
+    if (value == setting)
         return;
-    const QString saved = m_filterText;
-    m_filterText = text;
+    // A filter that does not compile leaves the previous setting.
+    const T saved = setting;
+    setting = value;
     try {
         FilterSettingChanged();
     } catch (...) {
-        m_filterText = saved;
+        setting = saved;
         throw;
     }
+}
+
+void TDataSet::setFilter(const QString &text)
+{
+    ChangeFilterSetting(m_filterText, text);
+}
+
+void TDataSet::setFilterOptions(TFilterOptions options)
+{
+    ChangeFilterSetting(m_filterOptions, options);
 }
 
 void TDataSet::setFiltered(bool value)
@@ -1220,20 +1232,6 @@ void TDataSet::setFiltered(bool value)
         throw;
     }
     First();
-}
-
-void TDataSet::setFilterOptions(TFilterOptions options)
-{
-    if (options == m_filterOptions)
-        return;
-    const TFilterOptions saved = m_filterOptions;
-    m_filterOptions = options;
-    try {
-        FilterSettingChanged();
-    } catch (...) {
-        m_filterOptions = saved;
-        throw;
-    }
 }
 
 bool TDataSet::FilterRecord(RecordId id)

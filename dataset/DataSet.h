@@ -344,6 +344,8 @@ private:
     QVariantList LocateValues(const QList<TField *> &fields, const QVariant &keyValues) const;
     void FilterSettingChanged();
     void RefilterRows();
+    template<typename T>
+    void ChangeFilterSetting(T &setting, const T &value);
     void InvalidateCalc() { m_cursorCalc.valid = false; }
     RecordId RowRecord(int row) const;
     int StoredColumnCount() const { return int(m_storedFields.size()); }

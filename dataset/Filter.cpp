@@ -165,31 +165,22 @@ private:
         return node;
     }
 
-    std::unique_ptr<TFilterNode> Expression()
+    // Operands of Next joined by the operator Op, left to right.
+    std::unique_ptr<TFilterNode> Joined(Tok op, TFilterNode::Kind kind, std::unique_ptr<TFilterNode> (Parser::*next)())
     {
-        auto left = Term();
-        while (m_token.kind == Tok::Or) {
-            auto node = Node(TFilterNode::Or, m_token.position);
+        auto left = (this->*next)();
+        while (m_token.kind == op) {
+            auto node = Node(kind, m_token.position);
             Advance();
             node->children.push_back(std::move(left));
-            node->children.push_back(Term());
+            node->children.push_back((this->*next)());
             left = std::move(node);
         }
         return left;
     }
 
-    std::unique_ptr<TFilterNode> Term()
-    {
-        auto left = Factor();
-        while (m_token.kind == Tok::And) {
-            auto node = Node(TFilterNode::And, m_token.position);
-            Advance();
-            node->children.push_back(std::move(left));
-            node->children.push_back(Factor());
-            left = std::move(node);
-        }
-        return left;
-    }
+    std::unique_ptr<TFilterNode> Expression() { return Joined(Tok::Or, TFilterNode::Or, &Parser::Term); }
+    std::unique_ptr<TFilterNode> Term() { return Joined(Tok::And, TFilterNode::And, &Parser::Factor); }
 
     std::unique_ptr<TFilterNode> Factor()
     {

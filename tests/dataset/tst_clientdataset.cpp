@@ -395,6 +395,38 @@ private slots:
         }
     }
 
+    // The hash tables and the kept filter views of repeated searches never outlive a change.
+    void repeatedSearchesFollowChanges()
+    {
+        TClientDataSet ds;
+        makeTree(ds);
+        QVERIFY(ds.Locate(QStringLiteral("NOME"), QStringLiteral("beta")));
+        QVERIFY(ds.Locate(QStringLiteral("NOME"), QStringLiteral("beta")));
+        ds.Edit();
+        ds.FieldByName(QStringLiteral("NOME"))->setAsString(QStringLiteral("delta"));
+        ds.Post();
+        QVERIFY(!ds.Locate(QStringLiteral("NOME"), QStringLiteral("beta")));
+        QVERIFY(ds.Locate(QStringLiteral("NOME"), QStringLiteral("delta")));
+        QCOMPARE(ds.FieldByName(QStringLiteral("ID"))->AsInteger(), 3);
+
+        ds.setFilter(QStringLiteral("PADRE = 1"));
+        ds.setFiltered(true);
+        QCOMPARE(column(ds, QStringLiteral("ID")), QStringList({"2", "3"}));
+        ds.setFiltered(false);
+        ds.Locate(QStringLiteral("ID"), 4);
+        ds.Edit();
+        ds.FieldByName(QStringLiteral("PADRE"))->setAsInteger(1);
+        ds.Post();
+        ds.setFiltered(true);
+        QCOMPARE(column(ds, QStringLiteral("ID")), QStringList({"2", "3", "4"}));
+        QVERIFY(ds.Locate(QStringLiteral("ID"), 4));
+        QVERIFY(ds.Locate(QStringLiteral("ID"), 4));
+        ds.setFiltered(false);
+        ds.setFiltered(true);
+        QVERIFY(ds.Locate(QStringLiteral("ID"), 4));
+        QVERIFY(!ds.Locate(QStringLiteral("ID"), 5));
+    }
+
     void lookup()
     {
         TClientDataSet ds;
