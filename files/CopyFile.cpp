@@ -15,13 +15,10 @@
 #include <QPointer>
 #include <QProgressBar>
 
-#include <array>
-
 namespace mattoni {
 
 namespace {
 
-constexpr qint64 kBlockSize = 8192;
 // The window is repainted, and the application's messages pumped, at a human pace; the events
 // keep firing for every file and every block.
 constexpr qint64 kRepaintIntervalMs = 100;
@@ -228,8 +225,13 @@ void TCustomCopyFile::CopyNow()
         source.close();
         if (!m_abort) {
             // Only onto a destination this copy opened: a failed copy leaves others' files alone.
-            if (m_transferFileAttributes && destination.isOpen())
-                ::fchmod(destination.fd(), sourceStat.st_mode & 0777);
+            // A new file got the source's permissions when it was made, unless the umask took
+            // some away.
+            struct stat made;
+            const mode_t mode = sourceStat.st_mode & 0777;
+            if (m_transferFileAttributes && destination.isOpen()
+                && (!destination.created() || ::fstat(destination.fd(), &made) != 0 || (made.st_mode & 0777) != mode))
+                ::fchmod(destination.fd(), mode);
             destination.close();
             if (m_movefile && complete)
                 fs::deleteFile(m_copyFrom);
@@ -239,27 +241,26 @@ void TCustomCopyFile::CopyNow()
     };
     try {
         WriteFileName(ExtractFileName(m_copyFrom));
-        std::array<char, kBlockSize> buffer;
         // The destination's name in both messages, also when the source failed to open: the
         // message has always named the file being made.
         if (!source.openRead(m_copyFrom))
             throw EFOpenError(Format(kCreateError, {m_copyTo}));
         sourceStat = source.status();
-        if (!destination.create(m_copyTo))
+        if (!destination.create(m_copyTo, m_transferFileAttributes ? sourceStat.st_mode & 0777 : 0666))
             throw EFCreateError(Format(kCreateError, {m_copyTo}));
+        // Write errors go unnoticed, as they always have.
+        fs::BlockCopy blocks(source, destination);
         qint64 read;
         do {
             if (m_abort)
                 break;
-            read = source.read(buffer.data(), kBlockSize);
+            read = blocks.next();
             if (read > 0) {
-                // Write errors go unnoticed, as they always have.
-                destination.write(buffer.data(), read);
                 m_bytesProcessed = fs::add32(m_bytesProcessed, read);
                 setProcessed(m_totalSize < 1 ? 0 : percentOf(m_bytesProcessed, m_totalSize));
                 SetProgress(m_processed);
             }
-        } while (read >= kBlockSize);
+        } while (read >= fs::BlockCopy::BlockSize);
         if (m_transferTimeDate) {
             const struct timespec times[2] = {{0, UTIME_OMIT}, sourceStat.st_mtim};
             ::futimens(destination.fd(), times);

@@ -67,8 +67,10 @@ public:
 
     // Read-only, others may read but not write ("deny write"); a folder is refused.
     bool openRead(const QString &path);
-    // Created or truncated for writing, nobody else may use it ("exclusive").
-    bool create(const QString &path);
+    // Created (with Mode, less the umask) or truncated for writing; nobody else may use it
+    // ("exclusive"). Created() tells a new file from an existing one.
+    bool create(const QString &path, mode_t mode = 0666);
+    bool created() const { return m_created; }
     // An existing file opened for writing, nobody else may use it ("deny read").
     bool openWrite(const QString &path);
     // Opened read-only and locked exclusively: fails while someone else has the file locked.
@@ -88,7 +90,33 @@ public:
 private:
     bool openLocked(const QString &path, int flags, int lock);
     int m_fd = -1;
+    bool m_created = false;
     struct stat m_stat = {};
+};
+
+// The copy of one file, block by block as the copy component reports it: every block is 8192
+// bytes but the last, and the bytes of each block are in the destination when Next returns.
+// Between two regular files the data moves in larger steps inside the kernel; anything else,
+// and any step the kernel refuses, goes through a buffer of 8192 bytes.
+class BlockCopy
+{
+public:
+    static constexpr qint64 BlockSize = 8192;
+
+    BlockCopy(File &source, File &destination);
+    // The size of the next block: 0 at the end, -1 when the source cannot be read. Write errors
+    // are not reported: the block counts as copied.
+    qint64 next();
+
+private:
+    qint64 readAndWrite(qint64 size);
+
+    File &m_source;
+    File &m_destination;
+    bool m_inKernel;
+    bool m_end = false;
+    qint64 m_pending = 0; // copied, not yet handed out as blocks
+    char m_buffer[BlockSize];
 };
 
 } // namespace mattoni::fs

@@ -22,6 +22,8 @@
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
+#include <sys/mount.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace filetest {
@@ -105,6 +107,32 @@ inline bool setImmutable(const QString &path, bool on)
         ::close(fd);
     return ok;
 }
+
+// A removable disk: a tmpfs of the given size mounted on a folder of its own.
+struct Disk
+{
+    Disk(const QString &mountPoint, int kib)
+        : path(mountPoint)
+    {
+        QDir().mkpath(path);
+        const QByteArray options = "size=" + QByteArray::number(kib) + "k,mode=0755";
+        mounted = ::mount("tmpfs", QFile::encodeName(path).constData(), "tmpfs", 0, options.constData()) == 0;
+    }
+    ~Disk()
+    {
+        if (mounted)
+            ::umount2(QFile::encodeName(path).constData(), MNT_DETACH);
+    }
+    qint64 freeBytes() const
+    {
+        struct statvfs st;
+        return ::statvfs(QFile::encodeName(path).constData(), &st) == 0 ? qint64(st.f_bavail) * qint64(st.f_frsize) : -1;
+    }
+    QByteArray infos() const { return readFile(path + QStringLiteral("/infos.txt")); }
+
+    QString path;
+    bool mounted = false;
+};
 
 // One modal dialog on screen.
 struct Dialog

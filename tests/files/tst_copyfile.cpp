@@ -167,6 +167,35 @@ private slots:
         QCOMPARE(copy.Processed(), -79);
     }
 
+    // Data that does not fit goes unnoticed: the copy reads, counts and reports every block,
+    // on one file system and across two.
+    void fullDisk_data()
+    {
+        QTest::addColumn<bool>("sameDisk");
+        QTest::newRow("source on the same disk") << true;
+        QTest::newRow("source on another file system") << false;
+    }
+    void fullDisk()
+    {
+        QFETCH(bool, sameDisk);
+        Disk disk(path("disk"), 64);
+        if (!disk.mounted)
+            QSKIP("tmpfs cannot be mounted here (mount -t tmpfs needs root)");
+        const QString source = sameDisk ? disk.path + "/src.bin" : path("src.bin");
+        QVERIFY(writeFile(source, pattern(40000, 3)));
+        QVERIFY(writeFile(disk.path + "/filler", pattern(65536 - (sameDisk ? 40960 : 0) - 20480)));
+        TCopyFile copy;
+        copy.setProgress(false);
+        EventLog events;
+        events.attach(copy);
+        copy.setCopyFrom(source);
+        copy.setCopyTo(disk.path + "/dst.bin");
+        copy.CopyNow();
+        QCOMPARE(events.percents(), (QList<int>{20, 41, 61, 82, 100}));
+        QCOMPARE(readFile(disk.path + "/dst.bin"), pattern(40000, 3).left(20480)); // two blocks and a half
+        QCOMPARE(readFile(source), pattern(40000, 3));
+    }
+
     void timesAndAttributes_data()
     {
         QTest::addColumn<bool>("transfer");
