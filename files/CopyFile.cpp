@@ -6,6 +6,7 @@
 #include "FileSystem_p.h"
 #include "Formatting.h"
 #include "Prompts.h"
+#include "PropertySetter_p.h"
 #include "Strings.h"
 #include "fm_MessageBox.h"
 #include "prgform.h"
@@ -52,31 +53,20 @@ TCustomCopyFile::~TCustomCopyFile()
         Finish();
 }
 
-#define MATTONI_SETTER(Name, member, Type)                                                         \
-    void TCustomCopyFile::set##Name(Type value)                                                    \
-    {                                                                                              \
-        if (member == value)                                                                       \
-            return;                                                                                \
-        member = value;                                                                            \
-        emit Name##Changed();                                                                      \
-    }
-
-MATTONI_SETTER(CopyFrom, m_copyFrom, const QString &)
-MATTONI_SETTER(CopyTo, m_copyTo, const QString &)
-MATTONI_SETTER(Filter, m_filter, const QString &)
-MATTONI_SETTER(Progress, m_progress, bool)
-MATTONI_SETTER(OnNotExists, m_onNotExists, const QString &)
-MATTONI_SETTER(ShowFileNames, m_showFileNames, bool)
-MATTONI_SETTER(Caption, m_caption, const QString &)
-MATTONI_SETTER(Movefile, m_movefile, bool)
-MATTONI_SETTER(Processed, m_processed, qint32)
-MATTONI_SETTER(TransferTimeDate, m_transferTimeDate, bool)
-MATTONI_SETTER(TransferFileAttributes, m_transferFileAttributes, bool)
-MATTONI_SETTER(Recursive, m_recursive, bool)
-MATTONI_SETTER(SendEvents, m_sendEvents, bool)
-MATTONI_SETTER(ProgressKind, m_progressKind, TProgressKind)
-
-#undef MATTONI_SETTER
+MATTONI_PROPERTY_SETTER(TCustomCopyFile, CopyFrom, m_copyFrom, const QString &)
+MATTONI_PROPERTY_SETTER(TCustomCopyFile, CopyTo, m_copyTo, const QString &)
+MATTONI_PROPERTY_SETTER(TCustomCopyFile, Filter, m_filter, const QString &)
+MATTONI_PROPERTY_SETTER(TCustomCopyFile, Progress, m_progress, bool)
+MATTONI_PROPERTY_SETTER(TCustomCopyFile, OnNotExists, m_onNotExists, const QString &)
+MATTONI_PROPERTY_SETTER(TCustomCopyFile, ShowFileNames, m_showFileNames, bool)
+MATTONI_PROPERTY_SETTER(TCustomCopyFile, Caption, m_caption, const QString &)
+MATTONI_PROPERTY_SETTER(TCustomCopyFile, Movefile, m_movefile, bool)
+MATTONI_PROPERTY_SETTER(TCustomCopyFile, Processed, m_processed, qint32)
+MATTONI_PROPERTY_SETTER(TCustomCopyFile, TransferTimeDate, m_transferTimeDate, bool)
+MATTONI_PROPERTY_SETTER(TCustomCopyFile, TransferFileAttributes, m_transferFileAttributes, bool)
+MATTONI_PROPERTY_SETTER(TCustomCopyFile, Recursive, m_recursive, bool)
+MATTONI_PROPERTY_SETTER(TCustomCopyFile, SendEvents, m_sendEvents, bool)
+MATTONI_PROPERTY_SETTER(TCustomCopyFile, ProgressKind, m_progressKind, TProgressKind)
 
 // --- Operations and the progress window ---------------------------------------------------------
 
@@ -402,8 +392,7 @@ bool TCustomCopyFile::IsDirectoryEmpty(const QString &Folder)
     return true;
 }
 
-bool TCustomCopyFile::walk(const QString &folder,
-                           const std::function<bool(const QString &, const QString &, bool)> &visit)
+bool TCustomCopyFile::walk(const QString &folder, const TVisit &visit)
 {
     if (!fs::directoryExists(folder))
         throw Exception(Format(kMissingFolder, {folder}));

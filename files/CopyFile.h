@@ -153,7 +153,8 @@ private:
     bool copyTree(const QString &source, const QString &destination);
     void deleteTree(const QString &folder, bool &success);
     // The walk of the in-use test and the search: Visit returns true to end it.
-    bool walk(const QString &folder, const std::function<bool(const QString &folder, const QString &name, bool directory)> &visit);
+    using TVisit = std::function<bool(const QString &folder, const QString &name, bool directory)>;
+    bool walk(const QString &folder, const TVisit &visit);
 
     QString m_copyFrom;
     QString m_copyTo;
@@ -213,10 +214,12 @@ class MATTONI_WIDGETS_EXPORT TCopyFile : public TCustomCopyFile
     Q_PROPERTY(bool Movefile READ Movefile WRITE setMovefile NOTIFY MovefileChanged)
     Q_PROPERTY(qint32 Processed READ Processed NOTIFY ProcessedChanged)
     Q_PROPERTY(bool TransferTimeDate READ TransferTimeDate WRITE setTransferTimeDate NOTIFY TransferTimeDateChanged)
-    Q_PROPERTY(bool TransferFileAttributes READ TransferFileAttributes WRITE setTransferFileAttributes NOTIFY TransferFileAttributesChanged)
+    Q_PROPERTY(bool TransferFileAttributes READ TransferFileAttributes WRITE setTransferFileAttributes
+                   NOTIFY TransferFileAttributesChanged)
     Q_PROPERTY(bool Recursive READ Recursive WRITE setRecursive NOTIFY RecursiveChanged)
     Q_PROPERTY(bool SendEvents READ SendEvents WRITE setSendEvents NOTIFY SendEventsChanged)
-    Q_PROPERTY(mattoni::TCustomCopyFile::TProgressKind ProgressKind READ ProgressKind WRITE setProgressKind NOTIFY ProgressKindChanged)
+    Q_PROPERTY(mattoni::TCustomCopyFile::TProgressKind ProgressKind READ ProgressKind WRITE setProgressKind
+                   NOTIFY ProgressKindChanged)
 
 public:
     explicit TCopyFile(QObject *parent = nullptr);

@@ -7,6 +7,7 @@
 #include "FileSystem_p.h"
 #include "Formatting.h"
 #include "Prompts.h"
+#include "PropertySetter_p.h"
 #include "Strings.h"
 #include "fm_MessageBox.h"
 
@@ -60,32 +61,21 @@ TMyBackup::TMyBackup(QObject *parent)
 
 TMyBackup::~TMyBackup() = default;
 
-#define MATTONI_SETTER(Name, member, Type)                                                         \
-    void TMyBackup::set##Name(Type value)                                                          \
-    {                                                                                              \
-        if (member == value)                                                                       \
-            return;                                                                                \
-        member = value;                                                                            \
-        emit Name##Changed();                                                                      \
-    }
-
-MATTONI_SETTER(DrivePath, m_drivePath, const QString &)
-MATTONI_SETTER(FilesPath, m_filesPath, const QString &)
-MATTONI_SETTER(FilesToBackup, m_filesToBackup, const QStringList &)
-MATTONI_SETTER(FilesRestored, m_filesRestored, const QStringList &)
-MATTONI_SETTER(BackupCaption, m_backupCaption, const QString &)
-MATTONI_SETTER(RestoreCaption, m_restoreCaption, const QString &)
-MATTONI_SETTER(ConfirmDelete, m_confirmDelete, bool)
-MATTONI_SETTER(Version, m_version, const QString &)
-MATTONI_SETTER(ID, m_id, const QString &)
-MATTONI_SETTER(IdLabel, m_idLabel, const QString &)
-MATTONI_SETTER(BackupName, m_backupName, const QString &)
-MATTONI_SETTER(UserName, m_userName, const QString &)
-MATTONI_SETTER(UserCompany, m_userCompany, const QString &)
-MATTONI_SETTER(UserLicence, m_userLicence, const QString &)
-MATTONI_SETTER(InfosFileName, m_infosFileName, const QString &)
-
-#undef MATTONI_SETTER
+MATTONI_PROPERTY_SETTER(TMyBackup, DrivePath, m_drivePath, const QString &)
+MATTONI_PROPERTY_SETTER(TMyBackup, FilesPath, m_filesPath, const QString &)
+MATTONI_PROPERTY_SETTER(TMyBackup, FilesToBackup, m_filesToBackup, const QStringList &)
+MATTONI_PROPERTY_SETTER(TMyBackup, FilesRestored, m_filesRestored, const QStringList &)
+MATTONI_PROPERTY_SETTER(TMyBackup, BackupCaption, m_backupCaption, const QString &)
+MATTONI_PROPERTY_SETTER(TMyBackup, RestoreCaption, m_restoreCaption, const QString &)
+MATTONI_PROPERTY_SETTER(TMyBackup, ConfirmDelete, m_confirmDelete, bool)
+MATTONI_PROPERTY_SETTER(TMyBackup, Version, m_version, const QString &)
+MATTONI_PROPERTY_SETTER(TMyBackup, ID, m_id, const QString &)
+MATTONI_PROPERTY_SETTER(TMyBackup, IdLabel, m_idLabel, const QString &)
+MATTONI_PROPERTY_SETTER(TMyBackup, BackupName, m_backupName, const QString &)
+MATTONI_PROPERTY_SETTER(TMyBackup, UserName, m_userName, const QString &)
+MATTONI_PROPERTY_SETTER(TMyBackup, UserCompany, m_userCompany, const QString &)
+MATTONI_PROPERTY_SETTER(TMyBackup, UserLicence, m_userLicence, const QString &)
+MATTONI_PROPERTY_SETTER(TMyBackup, InfosFileName, m_infosFileName, const QString &)
 
 // --- Drive and disks ---------------------------------------------------------------------------
 
@@ -202,8 +192,8 @@ void TMyBackup::NextDisk()
             const QString name = infoValue(infos, QStringLiteral("Backup.Name"));
             if (name != m_firstDiskName) {
                 found = 0;
-                BoxErrore(Format(QStringLiteral("Il disco contiene una copia di salvataggio di \"%s\" invece che di \"%s\"."),
-                                 {name, m_firstDiskName}));
+                const QString message = QStringLiteral("Il disco contiene una copia di salvataggio di \"%s\" invece che di \"%s\".");
+                BoxErrore(Format(message, {name, m_firstDiskName}));
             }
             if (infoValue(infos, QStringLiteral("Id")) != m_id) {
                 found = 0;
@@ -268,7 +258,8 @@ bool TMyBackup::CheckFirstDisk()
                         found = true;
                         m_totalSize = StrToIntDef(infoValue(infos, QStringLiteral("ArchiveSize")), 0);
                     } else {
-                        BoxAttenzione(QStringLiteral("Il disco non è il primo utilizzato durante la copia di salvataggio."));
+                        BoxAttenzione(
+                            QStringLiteral("Il disco non è il primo utilizzato durante la copia di salvataggio."));
                     }
                 }
             }

@@ -196,7 +196,8 @@ QGroupBox *backupBox(QWidget *page, const QString &dataFolder)
         backup->setFilesPath(target);
         run(status, [&] {
             backup->Restore();
-            return QStringLiteral("Ripristinati in \"%1\": %2.").arg(target, backup->FilesRestored().join(QStringLiteral(", ")));
+            const QString files = backup->FilesRestored().join(QStringLiteral(", "));
+            return QStringLiteral("Ripristinati in \"%1\": %2.").arg(target, files);
         });
     });
     showInfos();

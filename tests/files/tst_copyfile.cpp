@@ -313,7 +313,8 @@ private slots:
         QTest::newRow("?.*: one-letter names, with or without extension")
             << "?.*" << true << false << QStringList{"a.txt", "b.bin"};
         QTest::newRow("not recursive") << "*.*" << false << false << QStringList{".hidden", "a.txt", "b.bin", "empty"};
-        QTest::newRow("moved: the folders stay behind") << "*.txt" << true << true << QStringList{"a.txt", "sub2.txt/", "sub2.txt/e.txt"};
+        QTest::newRow("moved: the folders stay behind")
+            << "*.txt" << true << true << QStringList{"a.txt", "sub2.txt/", "sub2.txt/e.txt"};
     }
     void folderFilter()
     {
@@ -405,8 +406,9 @@ private slots:
         };
         const QString stopped = QStringLiteral("ATTENZIONE: Processo interrotto!");
         const QString notExists = QApplication::applicationDisplayName() + QStringLiteral(": Manca il file");
-        QTest::newRow("missing folder: yes") << "src.txt" << "new/deeper/dst.txt" << "Si" << QStringList{question("new/deeper/")};
-        QTest::newRow("missing folder: no") << "src.txt" << "new/deeper/dst.txt" << "No" << QStringList{question("new/deeper/"), stopped};
+        const QString deeper = QStringLiteral("new/deeper/");
+        QTest::newRow("missing folder: yes") << "src.txt" << deeper + "dst.txt" << "Si" << QStringList{question(deeper)};
+        QTest::newRow("missing folder: no") << "src.txt" << deeper + "dst.txt" << "No" << QStringList{question(deeper), stopped};
         QTest::newRow("bare name: no folder") << "src.txt" << "=bare.txt" << "No" << QStringList{question(""), stopped};
         // Asked even without a destination, which then gets the OnNotExists message.
         QTest::newRow("no destination") << "src.txt" << "=" << "Si" << QStringList{question(""), notExists};

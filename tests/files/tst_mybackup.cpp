@@ -242,7 +242,8 @@ private slots:
         QCOMPARE(names(m_disks[0]->path), (QStringList{"a.dat", "infos.txt"}));
         QCOMPARE(readFile(m_disks[0]->path + "/a.dat"), QByteArray("from FilesPath"));
         b.setFilesToBackup({QStringLiteral("elsewhere/missing.dat")});
-        QCOMPARE(raised<EFOpenError>([&] { b.Backup(); }), QStringLiteral("Errore durante la creazione di \"elsewhere/missing.dat\"!"));
+        QCOMPARE(raised<EFOpenError>([&] { b.Backup(); }),
+                 QStringLiteral("Errore durante la creazione di \"elsewhere/missing.dat\"!"));
     }
 
     void backupErrors_data()
@@ -304,8 +305,10 @@ private slots:
         configure(b, path("src"));
         b.setConfirmDelete(confirm);
         DialogWatcher watcher([&](const Dialog &dialog) {
-            const bool prompt = dialog.title == QStringLiteral("Messaggio di sistema");
-            dialog.press(dialog.title == QStringLiteral("CONFERMA") ? answer : prompt ? QStringLiteral("Annulla") : QStringLiteral("OK"));
+            if (dialog.title == QStringLiteral("CONFERMA"))
+                dialog.press(answer);
+            else
+                dialog.press(dialog.title == QStringLiteral("Messaggio di sistema") ? QStringLiteral("Annulla") : QStringLiteral("OK"));
         });
         const QString error = raised<EAbort>([&] { b.Backup(); });
         if (immutable)
@@ -391,7 +394,8 @@ private slots:
         backupOnto(2, 64, path("src"));
         Disk &other = disk(64), &blank = disk(64);
         QVERIFY(writeFile(other.path + "/infos.txt", "ID=ALTRO\r\nBackup.Name=Archivio docenti\r\nDisk#=1\r\n"));
-        const QMap<QString, Disk *> named{{"d1", m_disks[0].get()}, {"d2", m_disks[1].get()}, {"other", &other}, {"blank", &blank}};
+        const QMap<QString, Disk *> named{
+            {"d1", m_disks[0].get()}, {"d2", m_disks[1].get()}, {"other", &other}, {"blank", &blank}};
         insert(*named.value(QString(first).remove('!')));
         TMyBackup r;
         configure(r, path("restored"));
