@@ -26,7 +26,7 @@ bool removeDirectory(const QString &path);
 // being deleted here, so deleting needs no attribute cleared first.
 bool deleteFile(const QString &path);
 
-// Windows-style masks: "*" any run of characters, "?" one character, and a mask ending in ".*"
+// File masks: "*" any run of characters, "?" one character, and a mask ending in ".*"
 // also takes names without an extension ("*.*" takes every name). Case counts, as it does in the
 // names of this system.
 bool matchesMask(const QString &name, const QString &mask);
