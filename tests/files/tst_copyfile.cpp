@@ -129,6 +129,9 @@ private slots:
                                 "  OnNotExists = ''\n  ShowFileNames = False\n  Caption = ''\n  Movefile = False\n"
                                 "  TransferTimeDate = True\n  TransferFileAttributes = True\n  Recursive = True\n"
                                 "  SendEvents = True\n  ProgressKind = pkDirectory\nend\n"));
+        const TProgForm form;
+        QCOMPARE(form.windowTitle(), QStringLiteral("Operazione in corso..."));
+        QCOMPARE(form.size(), QSize(409, 68));
     }
 
     void copyNow_data()
