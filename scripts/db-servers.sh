@@ -82,6 +82,7 @@ EOF
         --skip-name-resolve --skip-log-bin --innodb-buffer-pool-size=32M --innodb-log-file-size=16M \
         --innodb-flush-log-at-trx-commit=0 --innodb-doublewrite=0 --innodb-fast-shutdown=2 </dev/null >/dev/null 2>&1 &
     echo $! >"$d/server.pid"
+    disown
     mysql_ready() {
         mariadb --no-defaults --protocol=tcp -h127.0.0.1 -P"$port" -u"$user" -p"$password" "$database" \
             -e 'SELECT 1' >/dev/null 2>&1
@@ -121,6 +122,7 @@ EOF
     if grep -q . "$d/create.log"; then cat "$d/create.log" >&2; return 1; fi
     /usr/sbin/firebird </dev/null >"$d/server.log" 2>&1 &
     echo $! >"$d/server.pid"
+    disown
     unset FIREBIRD FIREBIRD_LOCK FIREBIRD_TMP
     wait_for listening "$port" || { cat "$d/server.log" >&2; return 1; }
     echo "export MATTONI_TEST_FIREBIRD='$(setting "$port" "$d/$database.fdb")'" >>"$dir/env"
