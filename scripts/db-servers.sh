@@ -154,9 +154,10 @@ start_psql() {
 
 # True when the process has ended (a zombie that nobody reaps has ended too).
 ended() {
-    local state
-    state=$(ps -o stat= -p "$1" 2>/dev/null) || return 0
-    [[ $state == Z* ]]
+    local stat
+    stat=$(cat "/proc/$1/stat" 2>/dev/null) || return 0
+    # The state follows the parenthesised program name.
+    [[ ${stat##*) } == Z* ]]
 }
 
 # After 5 s a server that has not ended, whose data is thrown away anyway, is killed.
