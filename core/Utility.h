@@ -4,7 +4,10 @@
 
 #include "ComponentStream.h"
 #include "Compression.h"
+#include "DataHelpers.h"
 #include "DateHelpers.h"
 #include "NumberHelpers.h"
+#include "ParamArrays.h"
+#include "SqlFieldLiterals.h"
 #include "SqlLiterals.h"
 #include "TextUtils.h"
