@@ -4,10 +4,16 @@
 #include "../common/TestServers.h"
 
 #include "Ambiente.h"
+#include "ClientDataSet.h"
+#include "Currency.h"
 #include "DateTime.h"
+#include "Exceptions.h"
 #include "FormatSettings.h"
+#include "Params.h"
+#include "SqlFieldLiterals.h"
 #include "SqlLiterals.h"
 #include "Strings.h"
+#include "Variants.h"
 
 #include <QtSql>
 #include <QtTest>
@@ -70,6 +76,97 @@ QString readDateTime(ServerKind kind, const char *column)
                           : QLatin1String(column);
 }
 
+// One column per field type that the parameter and field literals know, with a value to write.
+struct TypedColumn
+{
+    const char *name;
+    TFieldType type;
+    QVariant value;
+};
+
+const QList<TypedColumn> &typedColumns()
+{
+    static const QList<TypedColumn> columns = {
+        {"NOME", ftString, QStringLiteral("  l'Aquila; -- /* x */  ")},
+        {"NOTA", ftWideString, QStringLiteral("perché più città")},
+        {"ANNO", ftSmallint, 2024},
+        {"MATRICOLA", ftInteger, 123456},
+        {"CREDITI", ftWord, 180},
+        {"MEDIA", ftFloat, 27.25},
+        {"TASSA", ftBCD, QVariant::fromValue(Currency(1234.5))},
+        {"IMPORTO", ftCurrency, QVariant::fromValue(Currency(156.75))},
+        {"NATO", ftDate, QDate(2000, 2, 29)},
+        {"ORA", ftTime, QTime(14, 5, 9)},
+        {"QUANDO", ftDateTime, QDateTime(QDate(2024, 2, 29), QTime(23, 59, 59))},
+        {"REGISTRATO", ftTimeStamp, QDateTime(QDate(2024, 2, 29), QTime(23, 59, 59))},
+        {"ATTIVO", ftBoolean, true},
+        {"FOTO", ftBlob, QByteArray("\0\x01'\\-- /*", 9)},
+    };
+    return columns;
+}
+
+QString sqlType(ServerKind kind, TFieldType type)
+{
+    switch (type) {
+    case ftString:
+    case ftWideString:
+        return QStringLiteral("VARCHAR(40)");
+    case ftSmallint:
+        return QStringLiteral("SMALLINT");
+    case ftInteger:
+    case ftWord:
+        return QStringLiteral("INTEGER");
+    case ftFloat:
+        return QStringLiteral("DOUBLE PRECISION");
+    case ftBCD:
+        return QStringLiteral("NUMERIC(12,2)");
+    case ftCurrency:
+        return QStringLiteral("NUMERIC(18,4)");
+    case ftDate:
+        return QStringLiteral("DATE");
+    case ftBoolean:
+        return QStringLiteral("BOOLEAN");
+    case ftBlob:
+        return kind == Firebird ? QStringLiteral("BLOB SUB_TYPE 0") : kind == PostgreSQL ? QStringLiteral("BYTEA") : QStringLiteral("BLOB");
+    default:
+        // Times too: their INSERT form is a date literal, which a TIME column would refuse.
+        return dateTimeType(kind);
+    }
+}
+
+QString readColumn(ServerKind kind, const TypedColumn &c)
+{
+    if (c.type == ftDate)
+        return readDate(kind, c.name);
+    if (sqlType(kind, c.type) == dateTimeType(kind))
+        return readDateTime(kind, c.name);
+    return QLatin1String(c.name);
+}
+
+// What the server holds after a column's literal: the literal forms of dates carry the date only
+// (MariaDB's the full date-time), texts from parameters are trimmed, and the ":Name" references
+// hold the bound value.
+QVariant expectedStored(ServerKind kind, const TypedColumn &c, bool fromParam, bool update)
+{
+    const bool fullDate = kind == MariaDB;
+    switch (c.type) {
+    case ftString:
+        return fromParam ? c.value.toString().trimmed() : c.value;
+    case ftBCD:
+    case ftCurrency:
+        return c.value.value<Currency>().ToDouble();
+    case ftTime:
+        return QDateTime(QDate(1899, 12, 30), fullDate ? c.value.toTime() : QTime(0, 0));
+    case ftDateTime:
+        return fullDate ? c.value : QDateTime(c.value.toDateTime().date(), QTime(0, 0));
+    case ftTimeStamp:
+        // Bound in an INSERT, a date literal in an UPDATE.
+        return fullDate || !update ? c.value : QDateTime(c.value.toDateTime().date(), QTime(0, 0));
+    default:
+        return c.value;
+    }
+}
+
 } // namespace
 
 class tst_SqlServers : public QObject
@@ -104,6 +201,48 @@ class tst_SqlServers : public QObject
                           : QStringLiteral("SET SESSION sql_mode = CONCAT(@@GLOBAL.sql_mode, ',NO_BACKSLASH_ESCAPES')")));
     }
 
+    // INSERT INTO fld with the literals; every ":Name" literal is bound to the column's value.
+    static void insertTyped(const QSqlDatabase &db, int id, const QStringList &literals)
+    {
+        QStringList names{QStringLiteral("ID")};
+        for (const TypedColumn &c : typedColumns())
+            names << QLatin1String(c.name);
+        QSqlQuery q(db);
+        const QString sql = QStringLiteral("INSERT INTO fld (%1) VALUES (%2, %3)")
+                                .arg(names.join(QStringLiteral(", ")))
+                                .arg(id)
+                                .arg(literals.join(QStringLiteral(", ")));
+        QVERIFY2(q.prepare(sql), qPrintable(sql + QStringLiteral(": ") + q.lastError().text()));
+        for (int i = 0; i < literals.size(); ++i) {
+            if (literals[i].startsWith(QLatin1Char(':')))
+                q.bindValue(literals[i], typedColumns()[i].value);
+        }
+        QVERIFY2(q.exec(), qPrintable(sql + QStringLiteral(": ") + q.lastError().text()));
+    }
+
+    // Reads row id of fld back and compares each column with expected (a null QVariant: NULL).
+    static void compareTyped(const QSqlDatabase &db, ServerKind kind, int id, const QVariantList &expected)
+    {
+        QStringList reads;
+        for (const TypedColumn &c : typedColumns())
+            reads << readColumn(kind, c);
+        QSqlQuery q(db);
+        execOrFail(q, QStringLiteral("SELECT %1 FROM fld WHERE ID = %2").arg(reads.join(QStringLiteral(", "))).arg(id));
+        QVERIFY(q.next());
+        for (int i = 0; i < expected.size(); ++i) {
+            const QVariant want = expected[i];
+            QVariant got = q.value(i);
+            bool same = got.isNull() == want.isNull();
+            if (same && !want.isNull())
+                same = got.convert(want.metaType()) && got == want;
+            if (!same)
+                QFAIL(qPrintable(QStringLiteral("row %1, %2: stored %3, expected %4")
+                                     .arg(id)
+                                     .arg(QLatin1String(typedColumns()[i].name), q.value(i).toString(),
+                                          want.isNull() ? QStringLiteral("NULL") : want.toString())));
+        }
+    }
+
 private slots:
     void initTestCase()
     {
@@ -116,6 +255,11 @@ private slots:
                                           QStringLiteral("id INTEGER NOT NULL PRIMARY KEY, d DATE, t TIME, dt %1, dd %1").arg(dt));
             if (error.isEmpty())
                 error = recreateTable(s, db, QStringLiteral("txt"), QStringLiteral("id INTEGER NOT NULL PRIMARY KEY, v VARCHAR(200)"));
+            QStringList columns{QStringLiteral("ID INTEGER NOT NULL PRIMARY KEY")};
+            for (const TypedColumn &c : typedColumns())
+                columns << QLatin1String(c.name) + QLatin1Char(' ') + sqlType(s.kind, c.type);
+            if (error.isEmpty())
+                error = recreateTable(s, db, QStringLiteral("fld"), columns.join(QStringLiteral(", ")));
             if (s.kind == MariaDB)
                 setBackslashEscapes(db, false);
             if (s.kind == PostgreSQL)
@@ -219,6 +363,106 @@ private slots:
             got = q.value(0).toDate();
         }
         QCOMPARE(got, stored);
+    }
+
+    // Whole INSERT and UPDATE statements from parameters: one row of values, one of NULLs (a blank
+    // text counts as NULL), then an UPDATE of the NULL row to the values and of the other to NULLs.
+    // The UPDATE leaves out Boolean and blob: their form is the variant sum of "Name=:" and the
+    // value, no SQL (a Boolean raises EVariantError, a blob's bytes are appended as text).
+    void paramStatements_data()
+    {
+        addServerColumn();
+        for (const Server &s : servers())
+            QTest::addRow("%s", s.name) << int(s.kind);
+    }
+    void paramStatements()
+    {
+        QFETCH(int, kind);
+        const ServerKind k = ServerKind(kind);
+        QSqlDatabase db = connect(kind);
+        useLiteralSettings(k);
+        QSqlQuery q(db);
+        execOrFail(q, QStringLiteral("DELETE FROM fld"));
+
+        TParams values, nulls;
+        for (const TypedColumn &c : typedColumns()) {
+            TParam *p = values.CreateParam(c.type, QLatin1String(c.name), ptInput);
+            p->setValue(c.value);
+            TParam *n = nulls.CreateParam(c.type, QLatin1String(c.name), ptInput);
+            if (c.type == ftString)
+                n->setAsString(QStringLiteral("   "));
+            else
+                n->Clear();
+        }
+        QStringList inserted, insertedNulls;
+        QVariantList stored, storedNulls, updated;
+        for (const TypedColumn &c : typedColumns()) {
+            inserted << GetInsertStringField(values, QLatin1String(c.name));
+            insertedNulls << GetInsertStringField(nulls, QLatin1String(c.name));
+            stored << expectedStored(k, c, true, false);
+            storedNulls << QVariant();
+        }
+        QCOMPARE(insertedNulls, QStringList(insertedNulls.size(), QStringLiteral("NULL")));
+        insertTyped(db, 1, inserted);
+        insertTyped(db, 2, insertedNulls);
+        compareTyped(db, k, 1, stored);
+        compareTyped(db, k, 2, storedNulls);
+
+        QStringList assignments;
+        for (const TypedColumn &c : typedColumns()) {
+            const QString name = QLatin1String(c.name);
+            if (c.type == ftBoolean || c.type == ftBlob) {
+                updated << QVariant();
+            } else {
+                assignments << GetUpdateStringField(values, name);
+                updated << expectedStored(k, c, true, true);
+            }
+        }
+        execOrFail(q, QStringLiteral("UPDATE fld SET %1 WHERE ID = 2").arg(assignments.join(QStringLiteral(", "))));
+        compareTyped(db, k, 2, updated);
+        assignments.clear();
+        for (const TypedColumn &c : typedColumns())
+            assignments << GetUpdateStringField(nulls, QLatin1String(c.name));
+        execOrFail(q, QStringLiteral("UPDATE fld SET %1 WHERE ID = 1").arg(assignments.join(QStringLiteral(", "))));
+        compareTyped(db, k, 1, storedNulls);
+    }
+
+    // INSERT statements from a client dataset's fields: one record of values, one of NULLs with an
+    // empty text, which stays '' (a field's text is neither trimmed nor turned into NULL). Word,
+    // Boolean, time stamp and blob fields give ":Name", bound to the field's value.
+    void fieldStatements_data() { paramStatements_data(); }
+    void fieldStatements()
+    {
+        QFETCH(int, kind);
+        const ServerKind k = ServerKind(kind);
+        QSqlDatabase db = connect(kind);
+        useLiteralSettings(k);
+        QSqlQuery q(db);
+        execOrFail(q, QStringLiteral("DELETE FROM fld"));
+
+        TClientDataSet ds;
+        QVariantList record, empty;
+        for (const TypedColumn &c : typedColumns()) {
+            ds.FieldDefs().Add(QLatin1String(c.name), c.type, c.type == ftString || c.type == ftWideString ? 40 : 0);
+            record << c.value;
+            empty << (c.type == ftString ? QVariant(QLatin1String("")) : QVariant());
+        }
+        ds.CreateDataSet();
+        ds.AppendRecord(record);
+        ds.AppendRecord(empty);
+        ds.First();
+        for (int id = 1; id <= 2; ++id, ds.Next()) {
+            QStringList literals;
+            QVariantList stored;
+            for (const TypedColumn &c : typedColumns()) {
+                const TField *field = ds.FieldByName(QLatin1String(c.name));
+                literals << GetSqlInsertFromField(field);
+                stored << (id == 2 ? (c.type == ftString ? QVariant(QLatin1String("")) : QVariant())
+                                   : expectedStored(k, c, false, false));
+            }
+            insertTyped(db, id, literals);
+            compareTyped(db, k, id, stored);
+        }
     }
 
     // QuotedStr doubles quotes and escapes nothing else: these texts go through it as plain data,
