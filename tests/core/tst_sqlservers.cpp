@@ -466,8 +466,9 @@ private slots:
     }
 
     // QuotedStr doubles quotes and escapes nothing else: these texts go through it as plain data,
-    // into a column and back, and as the value a WHERE clause looks for. MariaDB needs
-    // NO_BACKSLASH_ESCAPES for the backslashes.
+    // into a column and back, and as the value a WHERE clause looks for; so do the INSERT and UPDATE
+    // forms of a text parameter and a text field. MariaDB needs NO_BACKSLASH_ESCAPES for the
+    // backslashes.
     void hostileStrings_data()
     {
         addServerColumn();
@@ -504,6 +505,22 @@ private slots:
         QCOMPARE(q.value(0).toInt(), 1);
         QCOMPARE(q.value(1).toString(), text);
         QVERIFY(!q.next());
+
+        // The same text as a parameter (trimmed) and as a field (as it is).
+        TParams params;
+        params.CreateParam(ftString, QStringLiteral("v"), ptInput)->setAsString(text);
+        TClientDataSet ds;
+        ds.FieldDefs().Add(QStringLiteral("v"), ftString, 200);
+        ds.CreateDataSet();
+        ds.AppendRecord({text});
+        execOrFail(q, QStringLiteral("INSERT INTO txt (id, v) VALUES (3, %1)").arg(GetInsertStringField(params, QStringLiteral("v"))));
+        execOrFail(q, QStringLiteral("INSERT INTO txt (id, v) VALUES (4, %1)").arg(GetSqlInsertFromField(ds.FieldByName(QStringLiteral("v")))));
+        execOrFail(q, QStringLiteral("UPDATE txt SET %1 WHERE id = 2").arg(GetUpdateStringField(params, QStringLiteral("v"))));
+        execOrFail(q, QStringLiteral("SELECT v FROM txt WHERE id > 1 ORDER BY id"));
+        for (const QString &want : {Trim(text), Trim(text), text}) {
+            QVERIFY(q.next());
+            QCOMPARE(q.value(0).toString(), want);
+        }
     }
 
     // Without NO_BACKSLASH_ESCAPES MariaDB turns backslash sequences into other characters, and a
