@@ -88,6 +88,13 @@ inline QString openServer(const Server &s, QSqlDatabase &db)
     return {};
 }
 
+// Declares db, opened on the server of the test row, or skips the row with the reason.
+#define MATTONI_SERVER_OR_SKIP(db, kind)                                                           \
+    QSqlDatabase db;                                                                               \
+    if (const QString skipReason = mattoni_test::openServer(mattoni_test::server(kind), db);       \
+        !skipReason.isEmpty())                                                                     \
+    QSKIP(qPrintable(skipReason))
+
 // Runs statements one by one; the first that fails is returned with its error, else empty.
 inline QString execAll(const QSqlDatabase &db, const QStringList &statements)
 {

@@ -176,15 +176,6 @@ class tst_SqlServers : public QObject
     // Each data row starts with the server it runs on.
     static void addServerColumn() { QTest::addColumn<int>("kind"); }
 
-    static QSqlDatabase connect(int kind)
-    {
-        QSqlDatabase db;
-        const QString reason = openServer(server(ServerKind(kind)), db);
-        if (!reason.isEmpty())
-            QTest::qSkip(qPrintable(reason), __FILE__, __LINE__);
-        return db;
-    }
-
     static void execOrFail(QSqlQuery &q, const QString &sql)
     {
         if (!q.exec(sql))
@@ -309,7 +300,7 @@ private slots:
         QFETCH(QDateTime, value);
         QFETCH(int, ms);
         const ServerKind k = ServerKind(kind);
-        QSqlDatabase db = connect(kind);
+        MATTONI_SERVER_OR_SKIP(db, ServerKind(kind));
         useLiteralSettings(k);
         const QDate d = value.date();
         const QTime t = value.time();
@@ -348,7 +339,7 @@ private slots:
         QFETCH(int, kind);
         QFETCH(QDate, value);
         QFETCH(QDate, stored);
-        QSqlDatabase db = connect(kind);
+        MATTONI_SERVER_OR_SKIP(db, ServerKind(kind));
         TipoDatabase = dbmsFirebird;
         FormatoData = fddbItaliano;
         const QString literal = GetFormattedDate(QVariant(EncodeDate(value.year(), value.month(), value.day())));
@@ -379,7 +370,7 @@ private slots:
     {
         QFETCH(int, kind);
         const ServerKind k = ServerKind(kind);
-        QSqlDatabase db = connect(kind);
+        MATTONI_SERVER_OR_SKIP(db, ServerKind(kind));
         useLiteralSettings(k);
         QSqlQuery q(db);
         execOrFail(q, QStringLiteral("DELETE FROM fld"));
@@ -435,7 +426,7 @@ private slots:
     {
         QFETCH(int, kind);
         const ServerKind k = ServerKind(kind);
-        QSqlDatabase db = connect(kind);
+        MATTONI_SERVER_OR_SKIP(db, ServerKind(kind));
         useLiteralSettings(k);
         QSqlQuery q(db);
         execOrFail(q, QStringLiteral("DELETE FROM fld"));
@@ -493,7 +484,7 @@ private slots:
     {
         QFETCH(int, kind);
         QFETCH(QString, text);
-        QSqlDatabase db = connect(kind);
+        MATTONI_SERVER_OR_SKIP(db, ServerKind(kind));
         if (kind == MariaDB)
             setBackslashEscapes(db, false);
         QSqlQuery q(db);
@@ -527,7 +518,7 @@ private slots:
     // backslash before a quote ends the literal early: the rest of the value becomes SQL.
     void mariaDbBackslashEscapes()
     {
-        QSqlDatabase db = connect(MariaDB);
+        MATTONI_SERVER_OR_SKIP(db, ServerKind(MariaDB));
         setBackslashEscapes(db, true);
         QSqlQuery q(db);
         execOrFail(q, QStringLiteral("DELETE FROM txt"));
