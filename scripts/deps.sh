@@ -9,12 +9,8 @@ packages=(
     libqt6sql6-sqlite libqt6sql6-mysql libqt6sql6-ibase libqt6sql6-psql
     zlib1g-dev libxcb1-dev libx11-xcb-dev
     xvfb xauth x11-xserver-utils fonts-dejavu-core
-<<<<<<< HEAD
-    p7zip-full sqlite3
-    "$@"
-=======
     p7zip-full sqlite3 libsqlite3-dev
->>>>>>> main
+    "$@"
 )
 
 missing=()
