@@ -33,5 +33,6 @@ EListError::~EListError() = default;
 EInvalidOperation::~EInvalidOperation() = default;
 EInvalidArgument::~EInvalidArgument() = default;
 EOSError::~EOSError() = default;
+EPackageError::~EPackageError() = default;
 
 } // namespace mattoni

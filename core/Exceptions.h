@@ -48,5 +48,6 @@ MATTONI_DECLARE_EXCEPTION(EListError, Exception)
 MATTONI_DECLARE_EXCEPTION(EInvalidOperation, Exception)
 MATTONI_DECLARE_EXCEPTION(EInvalidArgument, Exception)
 MATTONI_DECLARE_EXCEPTION(EOSError, Exception)
+MATTONI_DECLARE_EXCEPTION(EPackageError, Exception)
 
 } // namespace mattoni

@@ -8,6 +8,7 @@
 #include "Formatting.h"
 
 #include <QDir>
+#include <QFile>
 #include <QRandomGenerator>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -213,13 +214,24 @@ void fill(QSqlDatabase &db)
 QSqlDatabase OpenDemoDatabase(const QString &dataFolder)
 {
     QDir().mkpath(dataFolder);
+    const QString file = QDir(dataFolder).filePath(QStringLiteral("segreteria.sqlite"));
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("segreteria"));
-    db.setDatabaseName(QDir(dataFolder).filePath(QStringLiteral("segreteria.sqlite")));
+    db.setDatabaseName(file);
     if (!db.open())
         qFatal("demo database: %s", qPrintable(db.lastError().text()));
-    QSqlQuery q(db);
-    const bool exists = q.exec(QStringLiteral("SELECT valore FROM meta WHERE chiave = 'versione'")) && q.next();
-    if (!exists) {
+    int version = 0;
+    {
+        QSqlQuery q(db);
+        if (q.exec(QStringLiteral("SELECT valore FROM meta WHERE chiave = 'versione'")) && q.next())
+            version = q.value(0).toInt();
+    }
+    if (version != SchemaVersion) {
+        // A database of another version of the demo: start again from the sample data.
+        db.close();
+        QFile::remove(file);
+        if (!db.open())
+            qFatal("demo database: %s", qPrintable(db.lastError().text()));
+        QSqlQuery q(db);
         db.transaction();
         createSchema(q);
         fill(db);

@@ -241,7 +241,8 @@ bool TVersionResource::LoadFromFile(const QString &fileName)
     const QByteArray image = mapped ? QByteArray::fromRawData(reinterpret_cast<const char *>(mapped), size)
                                     : file.readAll();
     // The parser copies what it keeps, so the mapping may go when this returns.
-    return LoadFromData(ExtractFromElf(image));
+    const QByteArray elf = ExtractFromElf(image);
+    return LoadFromData(elf.isEmpty() ? ExtractFromPE(image) : elf);
 }
 
 bool TVersionResource::LoadFromRunningProgram()
@@ -379,6 +380,127 @@ QByteArray TVersionResource::ExtractFromElf(const QByteArray &image)
         return QByteArray(image.constData() + offset, qsizetype(size));
     }
     return QByteArray();
+}
+
+QByteArray TVersionResource::ExtractFromPE(const QByteArray &image)
+{
+    quint32 peOffset = 0, signature = 0;
+    if (!image.startsWith("MZ") || !readLe(image, 0x3C, peOffset) || !readLe(image, peOffset, signature)
+        || signature != 0x00004550) // "PE\0\0"
+        return QByteArray();
+    const qint64 coff = qint64(peOffset) + 4;
+    quint16 sectionCount = 0, optionalSize = 0, magic = 0;
+    if (!readLe(image, coff + 2, sectionCount) || !readLe(image, coff + 16, optionalSize)
+        || !readLe(image, coff + 20, magic))
+        return QByteArray();
+    const qint64 optional = coff + 20;
+    // The data directories follow the fixed fields of the PE32 or PE32+ optional header.
+    const qint64 directories = optional + (magic == 0x20B ? 112 : magic == 0x10B ? 96 : -1);
+    quint32 directoryCount = 0, resourceRva = 0, resourceSize = 0;
+    if (directories < optional || !readLe(image, directories - 4, directoryCount) || directoryCount < 3
+        || directories + 3 * 8 > optional + optionalSize || !readLe(image, directories + 16, resourceRva)
+        || !readLe(image, directories + 20, resourceSize) || resourceRva == 0)
+        return QByteArray();
+
+    // Relative virtual address to file offset, through the section table.
+    const qint64 sections = optional + optionalSize;
+    auto fileOffset = [&](quint32 rva, quint32 size, qint64 &offset) {
+        for (int i = 0; i < sectionCount; ++i) {
+            const qint64 header = sections + qint64(i) * 40;
+            quint32 virtualSize = 0, virtualAddress = 0, rawSize = 0, rawOffset = 0;
+            if (!readLe(image, header + 8, virtualSize) || !readLe(image, header + 12, virtualAddress)
+                || !readLe(image, header + 16, rawSize) || !readLe(image, header + 20, rawOffset))
+                return false;
+            const quint64 extent = qMax(virtualSize, rawSize);
+            if (rva < virtualAddress || quint64(rva) + size > quint64(virtualAddress) + extent)
+                continue;
+            offset = qint64(rawOffset) + (rva - virtualAddress);
+            return offset + qint64(size) <= image.size() && quint64(rva - virtualAddress) + size <= rawSize;
+        }
+        return false;
+    };
+    qint64 root = 0;
+    if (!fileOffset(resourceRva, resourceSize, root))
+        return QByteArray();
+    const qint64 rootEnd = root + resourceSize;
+
+    // One level of the resource tree: the entry with the given id, or the first entry when id is
+    // negative. Answers the entry's target offset, inside the resource section.
+    auto entry = [&](qint64 directory, int id, quint32 &target) {
+        quint16 named = 0, numbered = 0;
+        if (directory + 16 > rootEnd || !readLe(image, directory + 12, named) || !readLe(image, directory + 14, numbered))
+            return false;
+        for (int i = 0; i < named + numbered; ++i) {
+            const qint64 at = directory + 16 + qint64(i) * 8;
+            quint32 name = 0;
+            if (at + 8 > rootEnd || !readLe(image, at, name) || !readLe(image, at + 4, target))
+                return false;
+            if (id < 0 || (!(name & 0x80000000u) && name == quint32(id)))
+                return true;
+        }
+        return false;
+    };
+    constexpr int RT_VERSION = 16;
+    quint32 target = 0;
+    if (!entry(root, RT_VERSION, target) || !(target & 0x80000000u)) // the type level leads to a directory
+        return QByteArray();
+    if (!entry(root + (target & 0x7FFFFFFF), -1, target) || !(target & 0x80000000u)) // the first name
+        return QByteArray();
+    if (!entry(root + (target & 0x7FFFFFFF), -1, target) || (target & 0x80000000u)) // the first language
+        return QByteArray();
+    quint32 dataRva = 0, dataSize = 0;
+    qint64 data = 0;
+    const qint64 dataEntry = root + target;
+    if (dataEntry + 16 > rootEnd || !readLe(image, dataEntry, dataRva) || !readLe(image, dataEntry + 4, dataSize)
+        || !fileOffset(dataRva, dataSize, data))
+        return QByteArray();
+    return image.mid(data, dataSize);
+}
+
+QString StringTableKey(quint16 language, quint16 characterSet)
+{
+    return QStringLiteral("%1%2").arg(language, 4, 16, QLatin1Char('0')).arg(characterSet, 4, 16, QLatin1Char('0')).toUpper();
+}
+
+QString TargetOSName(quint32 fileOS)
+{
+    switch (fileOS) {
+    case 0x00010000: return QStringLiteral("MS-Dos");
+    case 0x00020000: return QStringLiteral("16 bit OS/2");
+    case 0x00030000: return QStringLiteral("32 bit OS/2");
+    case 0x00040000: return QStringLiteral("Windows NT");
+    case 0x00000001: return QStringLiteral("Windows 3.0 or later");
+    case 0x00000002: return QStringLiteral("16 bit OS/2 Presentation Manager");
+    case 0x00000003: return QStringLiteral("32 bit OS/2 Presentation Manager");
+    case 0x00000004: return QStringLiteral("32 bit Windows");
+    case 0x00010001: return QStringLiteral("Windows 3.0 or later with MS-Dos");
+    case 0x00010004: return QStringLiteral("32 bit Windows with MS-Dos");
+    case 0x00020002: return QStringLiteral("16 bit OS/2 with Presentation Manager");
+    case 0x00030003: return QStringLiteral("32 bit OS/2 with Presentation Manager");
+    case 0x00040004: return QStringLiteral("Windows NT with 32 bit Windows");
+    default: return QStringLiteral("Unknown");
+    }
+}
+
+TVersionInfo::TVersionInfo(const QString &fileName)
+{
+    if (fileName.isEmpty())
+        m_resource.LoadFromRunningProgram();
+    else
+        m_resource.LoadFromFile(fileName);
+}
+
+QString TVersionInfo::StringValue(const QString &name) const
+{
+    return m_resource.Value(QStringLiteral("StringFileInfo\\") + StringTableKey(m_language, m_characterSet)
+                            + QLatin1Char('\\') + name);
+}
+
+QString GetProductName(const QString &fileName)
+{
+    TVersionResource resource;
+    resource.LoadFromFile(fileName);
+    return resource.Value(QStringLiteral("StringFileInfo\\041004E4\\ProductName"));
 }
 
 } // namespace mattoni

@@ -1,6 +1,7 @@
 // Version information of a program: the dotted version numbers and the version resource, a
 // VS_VERSIONINFO block (fixed file information, string tables, translations) that our CMake helper
-// mattoni_version_info() embeds in an ELF section of the executable.
+// mattoni_version_info() embeds in an ELF section of the executable. The same reader takes the
+// version resource of Windows executables and libraries (PE files).
 #pragma once
 
 #include "mattoni_core_export.h"
@@ -14,12 +15,84 @@
 namespace mattoni {
 
 // The first, second, third and fourth number of a dotted version text ("4.2" gives 4 and 2; an
-// empty text or part gives 0). Text that is not a number raises EConvertError; 65536 or more (or
+// empty text, or a missing part, gives 0). Text that is not a number raises EConvertError; 65536 or more (or
 // a negative number) raises ERangeError.
 MATTONI_CORE_EXPORT quint16 GetMajorVersion(const QString &s);
 MATTONI_CORE_EXPORT quint16 GetMinorVersion(const QString &s);
 MATTONI_CORE_EXPORT quint16 GetReleaseVersion(const QString &s);
 MATTONI_CORE_EXPORT quint16 GetBuildVersion(const QString &s);
+
+// Languages of a string table, by their language identifier.
+enum TLanguage : quint16 {
+    lnArabic = 0x0401,
+    lnBulgarian = 0x0402,
+    lnCatalan = 0x0403,
+    lnTraditionalChinese = 0x0404,
+    lnCzech = 0x0405,
+    lnDanish = 0x0406,
+    lnGerman = 0x0407,
+    lnGreek = 0x0408,
+    lnUSEnglish = 0x0409,
+    lnCastilianSpanish = 0x040A,
+    lnFinnish = 0x040B,
+    lnFrench = 0x040C,
+    lnHebrew = 0x040D,
+    lnHungarian = 0x040E,
+    lnIcelandic = 0x040F,
+    lnItalian = 0x0410,
+    lnJapanese = 0x0411,
+    lnKorean = 0x0412,
+    lnDutch = 0x0413,
+    lnNorwegianBokmal = 0x0414,
+    lnPolish = 0x0415,
+    lnBrazilianPortuguese = 0x0416,
+    lnRhaetoRomanic = 0x0417,
+    lnRomanian = 0x0418,
+    lnRussian = 0x0419,
+    lnCroatoSerbianLatin = 0x041A,
+    lnSlovak = 0x041B,
+    lnAlbanian = 0x041C,
+    lnSwedish = 0x041D,
+    lnThai = 0x041E,
+    lnTurkish = 0x041F,
+    lnUrdu = 0x0420,
+    lnBahasa = 0x0421,
+    lnSimplifiedChinese = 0x0804,
+    lnSwissGerman = 0x0807,
+    lnUKEnglish = 0x0809,
+    lnMexicanSpanish = 0x080A,
+    lnBelgianFrench = 0x080C,
+    lnSwissItalian = 0x0810,
+    lnBelgianDutch = 0x0813,
+    lnNorwegianNynorsk = 0x0814,
+    lnPortuguese = 0x0816,
+    lnSerboCroatianCyrillic = 0x081A,
+    lnCanadianFrench = 0x0C0C,
+    lnSwissFrench = 0x100C
+};
+
+// Character sets of a string table, by their code page.
+enum TCharacterSet : quint16 {
+    csASCII = 0,
+    csJapan = 932,
+    csKorea = 949,
+    csTaiwan = 950,
+    csUnicode = 1200,
+    csEasternEuropean = 1250,
+    csCyrillic = 1251,
+    csMultilingual = 1252,
+    csGreek = 1253,
+    csTurkish = 1254,
+    csHebrew = 1255,
+    csArabic = 1256
+};
+
+// "llllcccc": the key of the string table for a language and character set ("041004E4").
+MATTONI_CORE_EXPORT QString StringTableKey(quint16 language, quint16 characterSet);
+
+// The name of an operating system of the target-system field ("32 bit Windows", "Windows NT with
+// 32 bit Windows" ...); "Unknown" for any other value.
+MATTONI_CORE_EXPORT QString TargetOSName(quint32 fileOS);
 
 // The fixed part of a version resource.
 struct MATTONI_CORE_EXPORT TFixedFileInfo
@@ -93,6 +166,9 @@ public:
                             const QList<quint32> &translations);
     // The bytes of the version section of an ELF image, empty when there is none.
     static QByteArray ExtractFromElf(const QByteArray &image);
+    // The first version resource of a PE image (RT_VERSION in its resource directory), empty when
+    // there is none or the image is malformed.
+    static QByteArray ExtractFromPE(const QByteArray &image);
     // The name of the ELF section that holds the block.
     static const char *SectionName();
 
@@ -101,5 +177,61 @@ private:
     TVersionNode m_root;
     bool m_valid = false;
 };
+
+// A file's version resource read through one string table, chosen by language and character set
+// (Italian, code page 1252 unless told otherwise).
+class MATTONI_CORE_EXPORT TVersionInfo
+{
+public:
+    // Reads the file's version resource; an empty name reads the running program's.
+    explicit TVersionInfo(const QString &fileName = QString());
+
+    bool IsValid() const { return m_resource.IsValid(); }
+    const TVersionResource &Resource() const { return m_resource; }
+
+    quint16 Language() const { return m_language; }
+    void setLanguage(quint16 value) { m_language = value; }
+    quint16 CharacterSet() const { return m_characterSet; }
+    void setCharacterSet(quint16 value) { m_characterSet = value; }
+
+    // A string of the chosen table; empty when missing.
+    QString StringValue(const QString &name) const;
+    QString CompanyName() const { return StringValue(QStringLiteral("CompanyName")); }
+    QString FileDescription() const { return StringValue(QStringLiteral("FileDescription")); }
+    QString FileVersion() const { return StringValue(QStringLiteral("FileVersion")); }
+    QString InternalName() const { return StringValue(QStringLiteral("InternalName")); }
+    QString LegalCopyright() const { return StringValue(QStringLiteral("LegalCopyright")); }
+    QString LegalTrademarks() const { return StringValue(QStringLiteral("LegalTrademarks")); }
+    QString OriginalFilename() const { return StringValue(QStringLiteral("OriginalFilename")); }
+    QString ProductName() const { return StringValue(QStringLiteral("ProductName")); }
+    QString ProductVersion() const { return StringValue(QStringLiteral("ProductVersion")); }
+    QString Comments() const { return StringValue(QStringLiteral("Comments")); }
+
+    // From the fixed part: "a.b.c.d" versions, the flags and the target system's name.
+    QString FileVersionNumber() const { return m_resource.FileVersion(); }
+    QString ProductVersionNumber() const { return m_resource.ProductVersion(); }
+    bool IsDebug() const { return flag(0x01); }
+    bool IsPreRelease() const { return flag(0x02); }
+    bool IsPatched() const { return flag(0x04); }
+    bool IsPrivateBuild() const { return flag(0x08); }
+    bool IsInfoInferred() const { return flag(0x10); }
+    bool IsSpecialBuild() const { return flag(0x20); }
+    QString TargetOS() const { return TargetOSName(m_resource.FixedInfo().FileOS); }
+
+private:
+    bool flag(quint32 bit) const
+    {
+        const TFixedFileInfo &f = m_resource.FixedInfo();
+        return (f.FileFlags & f.FileFlagsMask & bit) != 0;
+    }
+
+    TVersionResource m_resource;
+    quint16 m_language = lnItalian;
+    quint16 m_characterSet = csMultilingual;
+};
+
+// The product name of a file's version resource: "StringFileInfo\041004E4\ProductName"; empty
+// when the file has none.
+MATTONI_CORE_EXPORT QString GetProductName(const QString &fileName);
 
 } // namespace mattoni

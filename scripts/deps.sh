@@ -8,7 +8,7 @@ packages=(
     qt6-base-dev qt6-base-dev-tools qt6-tools-dev qt6-tools-dev-tools libqt6opengl6-dev
     libqt6sql6-sqlite libqt6sql6-mysql libqt6sql6-ibase libqt6sql6-psql
     zlib1g-dev libxcb1-dev libx11-xcb-dev
-    xvfb xauth x11-xserver-utils fonts-dejavu-core
+    xvfb xauth x11-xserver-utils fonts-dejavu-core twm
     p7zip-full sqlite3 libsqlite3-dev
     "$@"
 )
