@@ -37,6 +37,35 @@ int compareDoubles(double a, double b)
     return threeWay(a, b);
 }
 
+// Texts ignoring case, each UTF-16 unit case-folded as QChar::toCaseFolded does (the order of
+// QStringView::compare with Qt::CaseInsensitive, and of Prefix). Index builds spend most of their
+// time here: equal units are skipped four at a time and ASCII letters are folded inline.
+int compareFolded(QStringView a, QStringView b)
+{
+    const qsizetype n = std::min(a.size(), b.size());
+    const char16_t *pa = a.utf16(), *pb = b.utf16();
+    qsizetype i = 0;
+    while (i < n) {
+        for (quint64 wa, wb; i + 4 <= n; i += 4) {
+            std::memcpy(&wa, pa + i, sizeof wa);
+            std::memcpy(&wb, pb + i, sizeof wb);
+            if (wa != wb)
+                break;
+        }
+        while (i < n && pa[i] == pb[i])
+            ++i;
+        if (i == n)
+            break;
+        char16_t ca = pa[i], cb = pb[i];
+        ca = ca < 128 ? char16_t(ca >= u'A' && ca <= u'Z' ? ca + 32 : ca) : QChar::toCaseFolded(ca);
+        cb = cb < 128 ? char16_t(cb >= u'A' && cb <= u'Z' ? cb + 32 : cb) : QChar::toCaseFolded(cb);
+        if (ca != cb)
+            return ca < cb ? -1 : 1;
+        ++i;
+    }
+    return threeWay(a.size(), b.size());
+}
+
 bool isDateType(TFieldType t)
 {
     return t == ftDate || t == ftTime || t == ftDateTime || t == ftTimeStamp || t == ftOraTimeStamp;
@@ -239,9 +268,9 @@ int Column::Compare(RecordId a, RecordId b, bool caseInsensitive) const
     case Storage::Int: case Storage::Bool: case Storage::Curr: return threeWay(m_ints[a], m_ints[b]);
     case Storage::Float: return compareDoubles(m_floats[a], m_floats[b]);
     case Storage::Text:
-        return m_text.View(a).compare(m_text.View(b), caseInsensitive ? Qt::CaseInsensitive : Qt::CaseSensitive);
+        return caseInsensitive ? compareFolded(m_text.View(a), m_text.View(b)) : m_text.View(a).compare(m_text.View(b));
     case Storage::Memo:
-        return m_memos[a].compare(m_memos[b], caseInsensitive ? Qt::CaseInsensitive : Qt::CaseSensitive);
+        return caseInsensitive ? compareFolded(m_memos[a], m_memos[b]) : m_memos[a].compare(m_memos[b]);
     case Storage::Bytes: return m_bytes[a].compare(m_bytes[b]);
     case Storage::Variant: return compareVariants(m_variants[a], m_variants[b]);
     case Storage::None: break;
