@@ -60,15 +60,6 @@ class tst_ViewGridServers : public QObject
 {
     Q_OBJECT
 
-    static QSqlDatabase connect(int kind)
-    {
-        QSqlDatabase db;
-        const QString reason = openServer(server(ServerKind(kind)), db);
-        if (!reason.isEmpty())
-            QTest::qSkip(qPrintable(reason), __FILE__, __LINE__);
-        return db;
-    }
-
 private slots:
     void initTestCase()
     {
@@ -108,7 +99,8 @@ private slots:
         QFETCH(int, kind);
         QFETCH(QString, sql);
         QFETCH(QString, clicks);
-        Query q(connect(kind), sql);
+        MATTONI_SERVER_OR_SKIP(db, ServerKind(kind));
+        Query q(db, sql);
         QVERIFY(QTest::qWaitForWindowActive(&q.grid));
         q.order(clicks);
         QTEST(q.ds.CommandText(), "command");
@@ -127,7 +119,8 @@ private slots:
     {
         QFETCH(int, kind);
         const QString sql = Select + " Order By id DESC";
-        Query q(connect(kind), sql);
+        MATTONI_SERVER_OR_SKIP(db, ServerKind(kind));
+        Query q(db, sql);
         QVERIFY(QTest::qWaitForWindowActive(&q.grid));
         const QString message = AnswerMessageBox([&] { q.order(QStringLiteral("L:cognome")); });
         QCOMPARE(message, QStringLiteral("Non è possibile eseguire l'ordinamento richiesto"));
