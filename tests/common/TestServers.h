@@ -5,6 +5,7 @@
 #pragma once
 
 #include <QHash>
+#include <QList>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -12,6 +13,7 @@
 #include <QStringList>
 
 #include <array>
+#include <utility>
 
 namespace mattoni_test {
 
@@ -86,6 +88,18 @@ inline QString openServer(const Server &s, QSqlDatabase &db)
     if (!db.open())
         return QStringLiteral("%1: cannot connect: %2").arg(QLatin1String(s.name), db.lastError().text());
     return {};
+}
+
+// The servers whose connection opens, each with its connection: those a test prepares tables on.
+inline QList<std::pair<Server, QSqlDatabase>> openServers()
+{
+    QList<std::pair<Server, QSqlDatabase>> open;
+    for (const Server &s : servers()) {
+        QSqlDatabase db;
+        if (openServer(s, db).isEmpty())
+            open.append({s, db});
+    }
+    return open;
 }
 
 // Declares db, opened on the server of the test row, or skips the row with the reason.

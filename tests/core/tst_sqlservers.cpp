@@ -192,6 +192,13 @@ class tst_SqlServers : public QObject
                           : QStringLiteral("SET SESSION sql_mode = CONCAT(@@GLOBAL.sql_mode, ',NO_BACKSLASH_ESCAPES')")));
     }
 
+    // The statement tests start from an empty fld and the server's literal settings.
+    static void startTyped(QSqlQuery &q, ServerKind kind)
+    {
+        useLiteralSettings(kind);
+        execOrFail(q, QStringLiteral("DELETE FROM fld"));
+    }
+
     // INSERT INTO fld with the literals; every ":Name" literal is bound to the column's value.
     static void insertTyped(const QSqlDatabase &db, int id, const QStringList &literals)
     {
@@ -237,10 +244,7 @@ class tst_SqlServers : public QObject
 private slots:
     void initTestCase()
     {
-        for (const Server &s : servers()) {
-            QSqlDatabase db;
-            if (!openServer(s, db).isEmpty())
-                continue;
+        for (const auto &[s, db] : openServers()) {
             const QString dt = dateTimeType(s.kind);
             QString error = recreateTable(s, db, QStringLiteral("lit"),
                                           QStringLiteral("id INTEGER NOT NULL PRIMARY KEY, d DATE, t TIME, dt %1, dd %1").arg(dt));
@@ -370,10 +374,9 @@ private slots:
     {
         QFETCH(int, kind);
         const ServerKind k = ServerKind(kind);
-        MATTONI_SERVER_OR_SKIP(db, ServerKind(kind));
-        useLiteralSettings(k);
+        MATTONI_SERVER_OR_SKIP(db, k);
         QSqlQuery q(db);
-        execOrFail(q, QStringLiteral("DELETE FROM fld"));
+        startTyped(q, k);
 
         TParams values, nulls;
         for (const TypedColumn &c : typedColumns()) {
@@ -426,10 +429,9 @@ private slots:
     {
         QFETCH(int, kind);
         const ServerKind k = ServerKind(kind);
-        MATTONI_SERVER_OR_SKIP(db, ServerKind(kind));
-        useLiteralSettings(k);
+        MATTONI_SERVER_OR_SKIP(db, k);
         QSqlQuery q(db);
-        execOrFail(q, QStringLiteral("DELETE FROM fld"));
+        startTyped(q, k);
 
         TClientDataSet ds;
         QVariantList record, empty;
