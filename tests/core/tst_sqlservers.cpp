@@ -458,6 +458,25 @@ private slots:
         }
     }
 
+    // A text column opens with its size in characters, whatever the driver reports (MariaDB and
+    // Firebird give UTF-8 bytes); SQLite reports no size at all.
+    void textColumnSize_data()
+    {
+        addServerColumn();
+        for (const Server &s : servers())
+            QTest::addRow("%s", s.name) << int(s.kind);
+    }
+    void textColumnSize()
+    {
+        QFETCH(int, kind);
+        MATTONI_SERVER_OR_SKIP(db, ServerKind(kind));
+        TClientDataSet ds;
+        ds.setConnection(db);
+        ds.setCommandText(QStringLiteral("SELECT id, v FROM txt"));
+        ds.Open();
+        QCOMPARE(ds.FieldByName(QStringLiteral("v"))->Size(), kind == SQLite ? 0 : 200);
+    }
+
     // QuotedStr doubles quotes and escapes nothing else: these texts go through it as plain data,
     // into a column and back, and as the value a WHERE clause looks for; so do the INSERT and UPDATE
     // forms of a text parameter and a text field. MariaDB needs NO_BACKSLASH_ESCAPES for the
