@@ -8,6 +8,8 @@ root=$(pwd)
 "$root/scripts/deps.sh"
 export CCACHE_BASEDIR="$root"
 cmake -S "$root" -B "$root/build/plain" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+# After a checkout that adds headers, moc must look at the sources again.
+find "$root/build/plain" -path '*_autogen/timestamp' -delete 2>/dev/null || true
 cmake --build "$root/build/plain" -j "$(nproc)" --target mattoni_demo
 
 demo="$root/build/plain/demo/mattoni_demo"
