@@ -71,6 +71,17 @@ TFieldType fieldTypeOf(const QSqlField &field)
     }
 }
 
+// The size in characters of a text column. The MySQL/MariaDB and Firebird drivers report the
+// column's length in bytes of the connection's character set, four per character in UTF-8
+// (VARCHAR(10) reads 40); other drivers report characters.
+int textSize(const QSqlField &column, const QString &driverName)
+{
+    const int length = std::max(0, column.length());
+    const bool bytes = driverName.startsWith(QLatin1String("QMYSQL")) || driverName == QLatin1String("QMARIADB")
+                       || driverName == QLatin1String("QIBASE");
+    return bytes && length % 4 == 0 ? length / 4 : length;
+}
+
 // A parameter's value as a driver binds it: a typed null, money as a double.
 QVariant sqlValue(const TParam *param)
 {
@@ -272,6 +283,7 @@ QList<TFieldType> TCustomClientDataSet::DefsFromRecord(const QSqlRecord &record)
 {
     FieldDefs().Clear();
     QList<TFieldType> types;
+    const QString driver = Database().driverName();
     for (int i = 0; i < record.count(); ++i) {
         const QSqlField column = record.field(i);
         QString name = column.name();
@@ -279,7 +291,7 @@ QList<TFieldType> TCustomClientDataSet::DefsFromRecord(const QSqlRecord &record)
         for (int n = 1; FieldDefs().FindDef(name); ++n)
             name = column.name() + QLatin1Char('_') + QString::number(n);
         const TFieldType type = fieldTypeOf(column);
-        const int size = type == ftString ? std::max(0, column.length()) : 0;
+        const int size = type == ftString ? textSize(column, driver) : 0;
         TFieldDef *def = FieldDefs().Add(name, type, size, column.requiredStatus() == QSqlField::Required);
         if (type == ftFloat && column.precision() > 0)
             def->setPrecision(column.precision());

@@ -1,6 +1,8 @@
 // The data grid over QTableView.
 #include "DBGrid.h"
 
+#include "ControlErrors.h"
+
 #include "DataSetModel.h"
 #include "Exceptions.h"
 #include "Fields.h"
@@ -11,7 +13,6 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QPainter>
 #include <QPainterPath>
 #include <QStyledItemDelegate>
@@ -1239,19 +1240,14 @@ void TCustomDBGrid::Guard(const std::function<void()> &f)
 {
     try {
         f();
-    } catch (const EAbort &) {
-    } catch (const Exception &e) {
-        ShowError(e.Message());
+    } catch (...) {
+        PostControlException(this, std::current_exception());
     }
 }
 
 void TCustomDBGrid::ShowError(const QString &message)
 {
-    // The window may go while the box waits: the box then goes with it.
-    QPointer<QMessageBox> box =
-        new QMessageBox(QMessageBox::Critical, QApplication::applicationDisplayName(), message, QMessageBox::Ok, window());
-    box->exec();
-    delete box;
+    PostControlException(this, std::make_exception_ptr(Exception(message)));
 }
 
 void TCustomDBGrid::keyPressEvent(QKeyEvent *event)

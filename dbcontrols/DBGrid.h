@@ -397,7 +397,8 @@ protected:
     void InvalidateGrid();
     // Draws Text in Rect with the painter's font and pen, at Alignment, two pixels in.
     void DrawCellText(QPainter *Canvas, const QRect &Rect, const QString &Text, Qt::Alignment Alignment) const;
-    // Runs F, showing an error it raises as the application shows errors: in a message box.
+    // Runs F; an error it raises goes to the application's handler of control errors
+    // (OnControlException; by default a message box), as the edits' errors do.
     void Guard(const std::function<void()> &f);
     void ShowError(const QString &message);
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs, with apt-get, whatever of the build and test toolchain this Debian 12 machine lacks.
-# Does nothing when everything is already there.
+# Installs, with apt-get, whatever of the build and test toolchain this Debian 12 machine lacks,
+# and any further packages named as arguments. Does nothing when everything is already there.
 set -euo pipefail
 
 packages=(
@@ -10,6 +10,7 @@ packages=(
     zlib1g-dev libxcb1-dev libx11-xcb-dev
     xvfb xauth x11-xserver-utils fonts-dejavu-core twm
     p7zip-full sqlite3 libsqlite3-dev
+    "$@"
 )
 
 missing=()

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds and runs every test: once as a plain build, once under AddressSanitizer and
-# UndefinedBehaviorSanitizer with leak detection (any report fails the run).
+# UndefinedBehaviorSanitizer with leak detection (any report fails the run), with throw-away
+# database servers for the server tests (scripts/db-servers.sh).
 #   scripts/test.sh            both builds
 #   scripts/test.sh --plain    the plain build only
 #   scripts/test.sh --asan     the sanitizer build only
@@ -10,6 +11,12 @@ root=$(pwd)
 
 mode=${1:-all}
 "$root/scripts/deps.sh"
+
+# The server tests want MariaDB, Firebird and PostgreSQL: unless the caller already runs them, or
+# says MATTONI_DB_SERVERS=none, the suites run inside throw-away servers that stop at the end.
+if [ -z "${MATTONI_DB_SERVERS_DIR:-}" ] && [ "${MATTONI_DB_SERVERS:-}" != none ]; then
+    exec "$root/scripts/db-servers.sh" run "$root/scripts/test.sh" "$@"
+fi
 
 jobs=$(nproc)
 export CCACHE_BASEDIR="$root"
