@@ -73,7 +73,8 @@ void LoadDemoSettings(const QString &dataFolder)
     {
         TRegistry user(HKEY_CURRENT_USER);
         if (!user.KeyExists(RegistryBaseKey()) && user.OpenKey(RegistryBaseKey(), true)) {
-            user.WriteString(QStringLiteral("TipoDatabase"), QStringLiteral("FIREBIRD"));
+            // SQLite reads the MySQL form of dates, "yyyy-mm-dd hh:nn:ss", with its date functions.
+            user.WriteString(QStringLiteral("TipoDatabase"), QStringLiteral("MYSQL"));
             user.WriteString(QStringLiteral("FormatoData"), QStringLiteral("0"));
             user.WriteString(QStringLiteral("NomeLogin"), QStringLiteral("segreteria"));
             user.WriteString(QStringLiteral("Esercizio"), QStringLiteral("2026"));

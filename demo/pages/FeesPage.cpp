@@ -13,6 +13,7 @@
 #include "MemDS.h"
 #include "NumberHelpers.h"
 #include "Params.h"
+#include "SqlLiterals.h"
 #include "calendario.h"
 #include "fm_MessageBox.h"
 
@@ -269,10 +270,9 @@ private:
         const int feeId = m_fees->FieldByName(QStringLiteral("id"))->AsInteger();
         const int studentId = m_student->currentData().toInt();
         QSqlQuery q(m_db);
-        q.prepare(QStringLiteral("UPDATE tasse SET pagata = 1, data_pagamento = ? WHERE id = ?"));
-        q.addBindValue(FormatDateTime(QStringLiteral("yyyy-mm-dd"), m_calendar->CalendarDate()));
-        q.addBindValue(feeId);
-        if (!q.exec())
+        if (!q.exec(QStringLiteral("UPDATE tasse SET pagata = 1, data_pagamento = %1 WHERE id = %2")
+                        .arg(GetFormattedDate(QVariant(m_calendar->CalendarDate())))
+                        .arg(feeId)))
             throw EDatabaseError(q.lastError().text());
         q.prepare(QStringLiteral("UPDATE studenti SET tasse_pagate = (SELECT MIN(pagata) FROM tasse WHERE studente = ?) "
                                  "WHERE id = ?"));

@@ -1,27 +1,23 @@
 // "Impostazioni": the settings the office read at start-up from its settings store, the look the
-// user chooses (colour scheme, LEDs), the SQL literals of a date-time for each database type, and
-// a module loaded at run time.
+// user chooses (colour scheme, LEDs), and a module loaded at run time.
 #include "Ambiente.h"
 #include "DemoPages.h"
 #include "DemoWidgets.h"
 #include "Dllload.h"
 #include "Graphics.h"
 #include "Registry.h"
-#include "SqlLiterals.h"
 #include "Variants.h"
 #include "usrconf.h"
 #include "winutil.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDateTimeEdit>
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMetaEnum>
 #include <QTableWidget>
 #include <QVBoxLayout>
@@ -191,75 +187,17 @@ QWidget *ModulesGroup(QWidget *page)
     return box;
 }
 
-class LiteralsGroup : public QGroupBox
-{
-public:
-    LiteralsGroup()
-        : QGroupBox(QStringLiteral("Letterali SQL di una data e ora"))
-    {
-        auto *form = new QFormLayout(this);
-        m_type->addItem(QStringLiteral("(nessuno: forma predefinita)"), QString());
-        for (const QString *t : {&dbmsFirebird, &dbmsInterbase, &dbmsMySQL, &dbmsOracle, &dbmsOleDbOracle, &dbmsSqlServer,
-                                 &dbmsOleDbSqlServer, &dbmsAccess, &dbmsDb2, &dbmsSybase, &dbmsODBC})
-            m_type->addItem(*t, *t);
-        m_type->setCurrentIndex(m_type->findData(TipoDatabase));
-        m_order->addItem(QStringLiteral("fddbItaliano (giorno prima del mese)"), int(fddbItaliano));
-        m_order->addItem(QStringLiteral("fddbInglese (mese prima del giorno)"), int(fddbInglese));
-        m_order->setCurrentIndex(FormatoData == fddbItaliano ? 0 : 1);
-        m_when->setDateTime(QDateTime(QDate(2006, 3, 7), QTime(14, 5, 9)));
-        m_when->setDisplayFormat(QStringLiteral("dd/MM/yyyy HH:mm:ss"));
-        m_when->setCalendarPopup(true);
-        form->addRow(QStringLiteral("Tipo di database:"), m_type);
-        form->addRow(QStringLiteral("Ordine giorno/mese:"), m_order);
-        form->addRow(QStringLiteral("Data e ora:"), m_when);
-        for (QLineEdit *e : {m_date, m_time, m_datetime})
-            e->setReadOnly(true);
-        form->addRow(QStringLiteral("GetFormattedDate:"), m_date);
-        form->addRow(QStringLiteral("GetFormattedTime:"), m_time);
-        form->addRow(QStringLiteral("GetFormattedDatetime:"), m_datetime);
-        connect(m_type, &QComboBox::currentIndexChanged, this, [this] { Refresh(); });
-        connect(m_order, &QComboBox::currentIndexChanged, this, [this] { Refresh(); });
-        connect(m_when, &QDateTimeEdit::dateTimeChanged, this, [this] { Refresh(); });
-        Refresh();
-    }
-
-private:
-    void Refresh()
-    {
-        // The literal functions read the process-wide settings; the page restores them afterwards.
-        const QString savedType = TipoDatabase;
-        const TFormatoDataDbms savedOrder = FormatoData;
-        TipoDatabase = m_type->currentData().toString();
-        FormatoData = TFormatoDataDbms(m_order->currentData().toInt());
-        const QVariant v(m_when->dateTime());
-        m_date->setText(GetFormattedDate(v));
-        m_time->setText(GetFormattedTime(v));
-        m_datetime->setText(GetFormattedDatetime(v));
-        TipoDatabase = savedType;
-        FormatoData = savedOrder;
-    }
-
-    QComboBox *m_type = new QComboBox;
-    QComboBox *m_order = new QComboBox;
-    QDateTimeEdit *m_when = new QDateTimeEdit;
-    QLineEdit *m_date = new QLineEdit;
-    QLineEdit *m_time = new QLineEdit;
-    QLineEdit *m_datetime = new QLineEdit;
-};
-
 QWidget *CreatePage(DemoContext &)
 {
     auto *page = new QWidget;
     auto *grid = new QGridLayout(page);
     grid->addWidget(IntroLabel(QStringLiteral(
                         "All'avvio la Segreteria legge la propria versione e le impostazioni (GetRegistryConf, "
-                        "GetLocalPriorityRegistryConf, GetRegistryDesktop); l'aspetto scelto qui vi resta salvato. "
-                        "Le date nel testo SQL seguono il dialetto del database.")),
+                        "GetLocalPriorityRegistryConf, GetRegistryDesktop); l'aspetto scelto qui vi resta salvato.")),
                     0, 0, 1, 2);
     grid->addWidget(SettingsGroup(), 1, 0, 2, 1);
     grid->addWidget(LookGroup(), 1, 1);
     grid->addWidget(ModulesGroup(page), 2, 1);
-    grid->addWidget(new LiteralsGroup, 3, 0, 1, 2);
     grid->setColumnStretch(0, 1);
     grid->setColumnStretch(1, 1);
     grid->setRowStretch(2, 1);

@@ -3,6 +3,7 @@
 #include "Ambiente.h"
 #include "DateTime.h"
 #include "DemoPages.h"
+#include "DemoWidgets.h"
 #include "SqlLiterals.h"
 #include "Strings.h"
 
@@ -13,6 +14,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QVBoxLayout>
 
 using namespace mattoni;
 
@@ -59,7 +61,13 @@ QString advice(const QString &tipo, TFormatoDataDbms formato)
 QWidget *createSqlPage(DemoContext &)
 {
     auto *page = new QWidget;
-    auto *row = new QHBoxLayout(page);
+    auto *outer = new QVBoxLayout(page);
+    outer->addWidget(IntroLabel(QStringLiteral(
+        "Il testo SQL di una data, di un'ora e di un testo per ogni tipo di database e ordine di giorno e mese "
+        "(TipoDatabase e FormatoData), con le impostazioni della connessione che ogni server chiede per "
+        "leggerlo come è scritto. La Segreteria scrive così i propri salvataggi.")));
+    auto *row = new QHBoxLayout;
+    outer->addLayout(row, 1);
 
     auto *input = new QGroupBox(QStringLiteral("Letterali SQL"));
     auto *form = new QFormLayout(input);
@@ -71,7 +79,7 @@ QWidget *createSqlPage(DemoContext &)
     auto *formato = new QComboBox;
     formato->addItem(QStringLiteral("fddbItaliano (giorno prima del mese)"), int(fddbItaliano));
     formato->addItem(QStringLiteral("fddbInglese (mese prima del giorno)"), int(fddbInglese));
-    formato->setCurrentIndex(1);
+    formato->setCurrentIndex(FormatoData == fddbItaliano ? 0 : 1);
     auto *quando = new QDateTimeEdit(QDateTime(QDate(2024, 2, 29), QTime(23, 59, 59)));
     quando->setDisplayFormat(QStringLiteral("dd/MM/yyyy HH:mm:ss"));
     auto *testo = new QLineEdit(QStringLiteral("l'Aquila; C:\\temp -- /* */"));
@@ -118,7 +126,8 @@ QWidget *createSqlPage(DemoContext &)
     QObject::connect(formato, &QComboBox::currentIndexChanged, page, update);
     QObject::connect(quando, &QDateTimeEdit::dateTimeChanged, page, update);
     QObject::connect(testo, &QLineEdit::textChanged, page, update);
-    tipo->setCurrentIndex(1);
+    // The page opens on the office's own settings.
+    tipo->setCurrentIndex(qMax(0, tipo->findData(TipoDatabase)));
     update();
 
     row->addWidget(input, 3);
@@ -128,4 +137,4 @@ QWidget *createSqlPage(DemoContext &)
 
 } // namespace
 
-MATTONI_DEMO_PAGE(40, QStringLiteral("SQL"), createSqlPage);
+MATTONI_DEMO_PAGE(40, QStringLiteral("Letterali SQL"), createSqlPage);

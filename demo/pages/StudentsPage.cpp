@@ -42,8 +42,8 @@ using namespace mattoni;
 namespace {
 
 // The columns written back to "studenti", as the record panel edits them.
-const char *const storedColumns[] = {"matricola", "facolta", "corso", "cognome", "nome", "sesso", "comune",
-                                     "codice_fiscale", "anno_immatricolazione", "email", "in_corso",
+const char *const storedColumns[] = {"matricola", "facolta", "corso", "cognome", "nome", "sesso", "data_nascita",
+                                     "comune", "codice_fiscale", "anno_immatricolazione", "email", "in_corso",
                                      "tasse_pagate", "media"};
 
 // ISO dates of the database shown the Italian way.
@@ -387,14 +387,15 @@ private:
     }
 
     // The record goes back to the database as an UPDATE (or an INSERT) whose values are the SQL
-    // literals of the record's fields.
+    // literals of the record's fields, in the dialect of TipoDatabase.
     void WriteBack()
     {
         TParams params;
         CloneToParams(m_students, params);
+        // The record shows the date of birth as text; the database gets it as a date literal.
         TDateTime birth = 0;
         TryStrToDate(m_students->FieldByName(QStringLiteral("nascita"))->AsString(), birth);
-        const QString isoBirth = QLatin1Char('\'') + FormatDateTime(QStringLiteral("yyyy-mm-dd"), birth) + QLatin1Char('\'');
+        params.CreateParam(ftDate, QStringLiteral("data_nascita"), ptInput)->setAsDateTime(birth);
         const int id = m_students->FieldByName(QStringLiteral("id"))->AsInteger();
         QSqlQuery exists(m_db);
         exists.exec(QStringLiteral("SELECT 1 FROM studenti WHERE id = %1").arg(id));
@@ -402,7 +403,6 @@ private:
         if (exists.next()) {
             for (const char *column : storedColumns)
                 parts << GetUpdateStringField(params, QLatin1String(column));
-            parts << QStringLiteral("data_nascita=") + isoBirth;
             Execute(QStringLiteral("UPDATE studenti SET %1 WHERE id = %2").arg(parts.join(QStringLiteral(", "))).arg(id));
         } else {
             QStringList names;
@@ -410,10 +410,10 @@ private:
                 names << QLatin1String(column);
                 parts << GetInsertStringField(params, QLatin1String(column));
             }
-            Execute(QStringLiteral("INSERT INTO studenti (id, %1, data_nascita) VALUES (%2, %3, %4)")
+            Execute(QStringLiteral("INSERT INTO studenti (id, %1) VALUES (%2, %3)")
                         .arg(names.join(QStringLiteral(", ")))
                         .arg(id)
-                        .arg(parts.join(QStringLiteral(", ")), isoBirth));
+                        .arg(parts.join(QStringLiteral(", "))));
         }
         RefreshList();
     }

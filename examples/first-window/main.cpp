@@ -5,6 +5,7 @@
 #include <mattoni/AMAdvLed.h>
 #include <mattoni/CodFiscale.h>
 #include <mattoni/EditEnh.h>
+#include <mattoni/Exceptions.h>
 #include <mattoni/FormatSettings.h>
 
 #include <QApplication>

@@ -7,6 +7,7 @@
 #include "ClientDataSet.h"
 #include "CodFiscale.h"
 #include "ComponentStream.h"
+#include "CopyFile.h"
 #include "DBGridExt.h"
 #include "DBToolClass.h"
 #include "DBTreeView.h"
@@ -16,6 +17,7 @@
 #include "Fields.h"
 #include "ImageList.h"
 #include "Matricola.h"
+#include "MyBackup.h"
 #include "MemDS.h"
 #include "SevenZip.h"
 #include "ThdTimer.h"
@@ -231,6 +233,38 @@ private:
                    {"SZFileName", "/srv/archivi/documenti.7z"},
                    {"VolumeSize", 1457664},
                    {"Password", "pa'ss\tword"}});
+        row("TCopyFile", make<TCopyFile>(),
+            Values{{"CopyFrom", "/srv/segreteria/studenti.csv"},
+                   {"CopyTo", "/media/chiavetta/studenti.csv"},
+                   {"Filter", "*.csv"},
+                   {"Progress", false},
+                   {"OnNotExists", "Il file da copiare non esiste."},
+                   {"ShowFileNames", true},
+                   {"Caption", "Copia in corso"},
+                   {"Movefile", true},
+                   {"TransferTimeDate", false},
+                   {"TransferFileAttributes", false},
+                   {"Recursive", false},
+                   {"SendEvents", false},
+                   {"ProgressKind", int(TCustomCopyFile::pkFile)}});
+        row("TMyBackup", make<TMyBackup>(),
+            Values{{"DrivePath", "B:\\"},
+                   {"FilesPath", "/srv/segreteria"},
+                   {"FilesToBackup", QStringList{"/srv/segreteria/segreteria.sqlite", "note.txt"}},
+                   {"FilesRestored", QStringList{"A:\\segreteria.sqlite"}},
+                   {"BackupCaption", "Salvataggio"},
+                   {"RestoreCaption", "Ripristino"},
+                   {"ConfirmDelete", false},
+                   {"Version", "1.0.0.1"},
+                   {"ID", "SEG-2026"},
+                   {"IdLabel", "Segreteria 2026"},
+                   {"BackupName", "Archivio studenti"},
+                   {"UserName", "segreteria"},
+                   {"UserCompany", "Ateneo di esempio"},
+                   {"UserLicence", "0001-2026"},
+                   {"InfosFileName", "info.txt"},
+                   {"Filter", "*.sqlite"},
+                   {"Progress", false}});
         row("TCustomImageList", make<TCustomImageList>(), Values{{"Height", 24}, {"Width", 32}});
         row("TStringField", make<TStringField>(),
             Values{{"Alignment", int(Qt::AlignHCenter)},
