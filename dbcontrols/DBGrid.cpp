@@ -1478,6 +1478,8 @@ void TCustomDBGrid::PaintCell(QPainter *painter, const QRect &rect, const QModel
         painter->setFont(font);
         if (m_defaultDrawing)
             DefaultDrawColumnCell(painter, rect, column->Index(), column, state);
+        if (m_columns.State() == csDefault)
+            DrawDataCell(painter, rect, column->Field(), state);
         DrawColumnCell(painter, rect, column->Index(), column, state);
     } catch (const Exception &) {
         // A value that cannot be shown would fail again at every repaint: the cell stays blank.
@@ -1511,6 +1513,12 @@ void TCustomDBGrid::DrawColumnCell(QPainter *Canvas, const QRect &Rect, int Data
 {
     if (OnDrawColumnCell)
         OnDrawColumnCell(this, Canvas, Rect, DataCol, Column, State);
+}
+
+void TCustomDBGrid::DrawDataCell(QPainter *Canvas, const QRect &Rect, TField *Field, TGridDrawState State)
+{
+    if (OnDrawDataCell)
+        OnDrawDataCell(this, Canvas, Rect, Field, State);
 }
 
 void TCustomDBGrid::DrawCellText(QPainter *Canvas, const QRect &Rect, const QString &Text, Qt::Alignment Alignment) const

@@ -276,6 +276,8 @@ public:
     using TMovedEvent = std::function<void(QObject *Sender, int FromIndex, int ToIndex)>;
     using TDrawColumnCellEvent = std::function<void(QObject *Sender, QPainter *Canvas, const QRect &Rect,
                                                     int DataCol, TColumn *Column, TGridDrawState State)>;
+    using TDrawDataCellEvent = std::function<void(QObject *Sender, QPainter *Canvas, const QRect &Rect, TField *Field,
+                                                  TGridDrawState State)>;
     using TKeyEvent = std::function<void(QObject *Sender, int &Key, Qt::KeyboardModifiers Shift)>;
     using TKeyPressEvent = std::function<void(QObject *Sender, QChar &Key)>;
     using TMouseEvent = std::function<void(QObject *Sender, Qt::MouseButton Button, Qt::KeyboardModifiers Shift,
@@ -334,6 +336,9 @@ public:
     TNotifyEvent OnDblClick;
     TMovedEvent OnColumnMoved;
     TDrawColumnCellEvent OnDrawColumnCell;
+    // The older per-cell event, by field: fired only while the columns are the default ones,
+    // before OnDrawColumnCell.
+    TDrawDataCellEvent OnDrawDataCell;
     TKeyEvent OnKeyDown;
     TKeyPressEvent OnKeyPress;
     TKeyEvent OnKeyUp;
@@ -364,6 +369,8 @@ protected:
     // Fires OnDrawColumnCell; called for every data cell after the default drawing.
     virtual void DrawColumnCell(QPainter *Canvas, const QRect &Rect, int DataCol, TColumn *Column,
                                 TGridDrawState State);
+    // Fires OnDrawDataCell; called for every data cell while the columns are the default ones.
+    virtual void DrawDataCell(QPainter *Canvas, const QRect &Rect, TField *Field, TGridDrawState State);
     virtual void DrawTitleCell(QPainter *Canvas, const QRect &Rect, TColumn *Column, bool Down);
     virtual void DrawIndicatorCell(QPainter *Canvas, const QRect &Rect, int Row);
     // The editor for the current cell, a line edit unless a descendant gives another.

@@ -12,6 +12,7 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QPainter>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTemporaryDir>
@@ -629,6 +630,49 @@ private slots:
         combo->setCurrentIndex(1);
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
         QTRY_COMPARE(s.ds.FieldByName(QStringLiteral("CITTA"))->AsString(), QStringLiteral("Napoli"));
+    }
+
+    // Both drawing events paint on the cell being drawn, the older one first and only while the
+    // columns are the default ones.
+    void drawEvents()
+    {
+        Students s;
+        QVERIFY(s.shown());
+        ClickCell(s.grid, 1, s.col("NOME"));
+        QStringList order;
+        QRect dataRect;
+        TGridDrawState dataState;
+        s.grid.OnDrawDataCell = [&](QObject *sender, QPainter *canvas, const QRect &rect, TField *field,
+                                    TGridDrawState state) {
+            QCOMPARE(sender, &s.grid);
+            if (field->FieldName() != QLatin1String("CITTA") && field->FieldName() != QLatin1String("NOME"))
+                return;
+            order.append(QStringLiteral("data:") + field->FieldName() + QLatin1Char(':') + field->AsString());
+            if (field->FieldName() == QLatin1String("CITTA") && field->AsString() == QLatin1String("Milano") &&
+                s.ds.FieldByName(QStringLiteral("ID"))->AsInteger() == 2) {
+                dataRect = rect;
+                canvas->fillRect(rect, Qt::red);
+            }
+            if (field->FieldName() == QLatin1String("NOME") && field->AsString() == QLatin1String("Anna"))
+                dataState = state;
+        };
+        s.grid.OnDrawColumnCell = [&](QObject *, QPainter *, const QRect &, int dataCol, TColumn *column, TGridDrawState) {
+            if (column->FieldName() == QLatin1String("CITTA") && dataCol == s.col("CITTA"))
+                order.append(QStringLiteral("column:") + column->Field()->AsString());
+        };
+        const QImage image = s.grid.grab().toImage();
+        QCOMPARE(order.mid(0, 4), QStringList({"data:NOME:mario", "data:CITTA:Roma", "column:Roma", "data:NOME:Anna"}));
+        const QRect cell = s.grid.CellRect(s.grid.IndicatorOffset() + s.col("CITTA"), s.grid.TitleOffset() + 1);
+        QCOMPARE(dataRect.translated(s.grid.viewport()->pos()), cell);
+        QCOMPARE(image.pixelColor(cell.center()), QColor(Qt::red));
+        QCOMPARE(dataState, TGridDrawState(gdSelected | gdFocused));
+
+        // Columns made in code: only the column event.
+        s.grid.Columns().Add()->setFieldName(QStringLiteral("CITTA"));
+        order.clear();
+        (void)s.grid.grab();
+        QVERIFY(!order.isEmpty());
+        QVERIFY(std::all_of(order.cbegin(), order.cend(), [](const QString &e) { return e.startsWith(QLatin1String("column:")); }));
     }
 
     void rowHeight()
