@@ -15,6 +15,7 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QPainterPath>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <QTimer>
 
@@ -229,17 +230,69 @@ public:
         setSectionResizeMode(QHeaderView::Fixed);
     }
 
-    QSize sizeHint() const override { return QSize(IndicatorWidth, QHeaderView::sizeHint().height()); }
+    // The fixed columns' view lies over the rest of the header: QTableView then keeps the
+    // scrolling cells to the right of both.
+    QSize sizeHint() const override
+    {
+        const int indicator = m_grid->m_options.testFlag(dgIndicator) ? IndicatorWidth : 0;
+        return QSize(indicator + m_grid->FixedWidth(), QHeaderView::sizeHint().height());
+    }
 
 protected:
     void paintSection(QPainter *painter, const QRect &rect, int logicalIndex) const override
     {
-        m_grid->DrawIndicatorCell(painter, rect, logicalIndex);
+        if (m_grid->m_options.testFlag(dgIndicator))
+            m_grid->DrawIndicatorCell(painter, QRect(rect.left(), rect.top(), IndicatorWidth, rect.height()), logicalIndex);
     }
     void mousePressEvent(QMouseEvent *event) override { m_grid->TitleMouse(event, viewport()); }
     void mouseDoubleClickEvent(QMouseEvent *event) override { m_grid->TitleMouse(event, viewport()); }
     void mouseMoveEvent(QMouseEvent *event) override { m_grid->TitleMouse(event, viewport()); }
     void mouseReleaseEvent(QMouseEvent *event) override { m_grid->TitleMouse(event, viewport()); }
+
+private:
+    TCustomDBGrid *m_grid;
+};
+
+// The fixed columns: a view of the same model over the left of the grid, beside the indicator,
+// whose rows follow the grid's. It paints through the grid's delegate and titles, never takes
+// the focus, and hands its mouse events to the grid in grid coordinates.
+class TCustomDBGrid::FixedView : public QTableView
+{
+public:
+    explicit FixedView(TCustomDBGrid *grid) : QTableView(grid), m_grid(grid)
+    {
+        setFrameShape(QFrame::NoFrame);
+        setFocusPolicy(Qt::NoFocus);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setSelectionMode(QAbstractItemView::NoSelection);
+        setEditTriggers(QAbstractItemView::NoEditTriggers);
+        setShowGrid(false);
+        setWordWrap(false);
+        verticalHeader()->hide();
+        verticalHeader()->setMinimumSectionSize(1);
+        verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+        viewport()->setMouseTracking(true);
+        hide();
+    }
+
+    void scrollTo(const QModelIndex &, ScrollHint) override {}
+
+protected:
+    void mousePressEvent(QMouseEvent *event) override
+    {
+        m_grid->TitleMouse(event, viewport());
+        event->accept();
+    }
+    void mouseMoveEvent(QMouseEvent *event) override { m_grid->TitleMouse(event, viewport()); }
+    void mouseReleaseEvent(QMouseEvent *event) override { m_grid->TitleMouse(event, viewport()); }
+    void mouseDoubleClickEvent(QMouseEvent *event) override
+    {
+        m_grid->TitleMouse(event, viewport());
+        if (m_grid->OnDblClick)
+            m_grid->OnDblClick(m_grid);
+    }
+    void wheelEvent(QWheelEvent *event) override { QCoreApplication::sendEvent(m_grid->viewport(), event); }
 
 private:
     TCustomDBGrid *m_grid;
@@ -588,13 +641,19 @@ TCustomDBGrid::TCustomDBGrid(QWidget *owner)
     setVerticalHeader(m_indicator);
     setModel(m_model);
     setItemDelegate(m_delegate);
+    // Given the model before the grid connects to it, so that its header has taken in a reset
+    // when the grid lays the columns out again.
+    m_fixedView = new FixedView(this);
+    m_fixedView->setHorizontalHeader(new TitleBar(this));
+    m_fixedView->setModel(m_model);
+    // A delegate of its own: a view hears every editor of its delegate, and this one has none.
+    m_fixedView->setItemDelegate(new Delegate(this));
     setSelectionMode(QAbstractItemView::NoSelection);
     setEditTriggers(QAbstractItemView::AnyKeyPressed | QAbstractItemView::EditKeyPressed);
     setShowGrid(false);
     setWordWrap(false);
     viewport()->setMouseTracking(true);
-    m_titleFont = font();
-    m_titleBar->setFont(m_titleFont);
+    SetTitleBarFont(font());
     if (auto *corner = findChild<QAbstractButton *>(QString(), Qt::FindDirectChildrenOnly))
         corner->installEventFilter(this);
 
@@ -611,6 +670,10 @@ TCustomDBGrid::TCustomDBGrid(QWidget *owner)
     m_focusWatch = connect(qApp, &QApplication::focusChanged, this, &TCustomDBGrid::FocusChanged);
     connect(m_titleBar, &QHeaderView::sectionMoved, this, &TCustomDBGrid::SectionMoved);
     connect(m_titleBar, &QHeaderView::sectionResized, this, &TCustomDBGrid::SectionResized);
+    connect(m_fixedView->horizontalHeader(), &QHeaderView::sectionResized, this, &TCustomDBGrid::SectionResized);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, m_fixedView->verticalScrollBar(), &QScrollBar::setValue);
+    connect(m_fixedView->verticalScrollBar(), &QScrollBar::rangeChanged, this,
+            [this] { m_fixedView->verticalScrollBar()->setValue(verticalScrollBar()->value()); });
     ApplyOptions();
     UpdateRowHeight();
 }
@@ -665,10 +728,12 @@ void TCustomDBGrid::setOptions(TDBGridOptions value)
 void TCustomDBGrid::ApplyOptions()
 {
     m_titleBar->setVisible(m_options.testFlag(dgTitles));
-    m_indicator->setVisible(m_options.testFlag(dgIndicator));
+    m_indicator->setVisible(m_options.testFlag(dgIndicator) || FixedWidth() > 0);
+    m_fixedView->horizontalHeader()->setVisible(m_options.testFlag(dgTitles));
     const bool resize = m_options.testFlag(dgColumnResize);
     m_titleBar->setSectionResizeMode(resize ? QHeaderView::Interactive : QHeaderView::Fixed);
     m_titleBar->setSectionsMovable(resize);
+    m_fixedView->horizontalHeader()->setSectionResizeMode(resize ? QHeaderView::Interactive : QHeaderView::Fixed);
     setTabKeyNavigation(m_options.testFlag(dgTabs));
     if (!m_options.testFlag(dgMultiSelect))
         m_selectedRows.Clear();
@@ -713,15 +778,21 @@ void TCustomDBGrid::setFixedColor(TColor value)
 
 void TCustomDBGrid::setTitleFont(const QFont &value)
 {
-    m_titleFont = value;
     m_titleFontSet = true;
-    m_titleBar->setFont(value);
+    SetTitleBarFont(value);
     InvalidateTitles();
+}
+
+void TCustomDBGrid::SetTitleBarFont(const QFont &font)
+{
+    m_titleFont = font;
+    m_titleBar->setFont(font);
+    m_fixedView->horizontalHeader()->setFont(font);
 }
 
 void TCustomDBGrid::setSelectedIndex(int value)
 {
-    if (value == m_selectedIndex || value < 0 || value >= m_columns.Count())
+    if (value == m_selectedIndex || value < FixedColsInEffect() || value >= m_columns.Count())
         return;
     ColExit();
     m_selectedIndex = value;
@@ -766,6 +837,71 @@ void TCustomDBGrid::UpdateRowHeight()
             ++height;
     }
     m_indicator->setDefaultSectionSize(height);
+    m_fixedView->verticalHeader()->setDefaultSectionSize(height);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Fixed columns
+
+void TCustomDBGrid::setFixedCols(int value)
+{
+    value = std::max(0, value);
+    if (value == m_fixedCols)
+        return;
+    m_fixedCols = value;
+    if (const int first = FixedColsInEffect(); m_selectedIndex < first) {
+        ColExit();
+        m_selectedIndex = first;
+        ColEnter();
+    }
+    ApplyColumnLayout();
+    SyncCurrentIndex();
+    InvalidateTitles();
+}
+
+int TCustomDBGrid::FixedColsInEffect() const
+{
+    return std::clamp(m_fixedCols, 0, std::max(0, m_columns.Count() - 1));
+}
+
+bool TCustomDBGrid::IsFixedColumn(const TColumn *Column) const
+{
+    return Column && Column->Index() < FixedColsInEffect();
+}
+
+// The width the fixed columns shown take.
+int TCustomDBGrid::FixedWidth() const
+{
+    int width = 0;
+    for (int i = 0; i < FixedColsInEffect(); ++i) {
+        const TColumn *column = m_columns[i];
+        if (column->Visible() && ViewColumnOf(column) >= 0)
+            width += column->Width();
+    }
+    return width;
+}
+
+void TCustomDBGrid::updateGeometries()
+{
+    QTableView::updateGeometries();
+    // Also called while QTableView is being set up, before the grid has its parts.
+    if (m_fixedView)
+        PlaceFixedView();
+}
+
+void TCustomDBGrid::PlaceFixedView()
+{
+    const int width = FixedWidth();
+    if (width <= 0) {
+        m_fixedView->hide();
+        return;
+    }
+    const QRect view = viewport()->geometry();
+    const int titles = m_titleBar->isHidden() ? 0 : m_titleBar->height();
+    m_fixedView->horizontalHeader()->setFixedHeight(titles);
+    m_fixedView->setGeometry(view.left() - width, view.top() - titles, width, view.height() + titles);
+    m_fixedView->show();
+    m_fixedView->verticalScrollBar()->setValue(verticalScrollBar()->value());
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -774,9 +910,13 @@ void TCustomDBGrid::UpdateRowHeight()
 TGridCoord TCustomDBGrid::MouseCoord(int X, int Y) const
 {
     const QRect view = viewport()->geometry();
+    const QRect fixed = m_fixedView->isVisible() ? m_fixedView->geometry() : QRect();
     TGridCoord cell;
     if (X >= view.left() && X <= view.right()) {
         if (const TColumn *column = ViewColumn(columnAt(X - view.left())))
+            cell.X = IndicatorOffset() + column->Index();
+    } else if (X >= fixed.left() && X <= fixed.right()) {
+        if (const TColumn *column = ViewColumn(m_fixedView->columnAt(X - fixed.left())))
             cell.X = IndicatorOffset() + column->Index();
     } else if (m_options.testFlag(dgIndicator) && X < view.left() && X >= m_indicator->geometry().left()) {
         cell.X = 0;
@@ -799,9 +939,15 @@ QRect TCustomDBGrid::CellRect(int ACol, int ARow) const
     int x, width;
     if (ACol == 0 && m_options.testFlag(dgIndicator)) {
         x = m_indicator->geometry().left();
-        width = m_indicator->width();
+        width = m_indicator->width() - FixedWidth();
+    } else if (const TColumn *column = m_columns[ACol - IndicatorOffset()]; IsFixedColumn(column)) {
+        const int vc = ViewColumnOf(column);
+        if (vc < 0 || m_fixedView->isColumnHidden(vc) || m_fixedView->isHidden())
+            return QRect();
+        x = m_fixedView->geometry().left() + m_fixedView->columnViewportPosition(vc);
+        width = m_fixedView->columnWidth(vc);
     } else {
-        const int vc = ViewColumnOf(m_columns[ACol - IndicatorOffset()]);
+        const int vc = ViewColumnOf(column);
         if (vc < 0 || isColumnHidden(vc))
             return QRect();
         x = view.left() + columnViewportPosition(vc);
@@ -871,6 +1017,7 @@ void TCustomDBGrid::UpdateViewColumns()
     ApplyColumnLayout();
     if (m_selectedIndex >= m_columns.Count())
         m_selectedIndex = std::max(0, m_columns.Count() - 1);
+    m_selectedIndex = std::max(m_selectedIndex, FixedColsInEffect());
 }
 
 void TCustomDBGrid::ApplyColumnLayout()
@@ -879,9 +1026,14 @@ void TCustomDBGrid::ApplyColumnLayout()
     const int count = std::min(int(m_viewColumns.size()), m_model->columnCount());
     for (int vc = 0; vc < count; ++vc) {
         const TColumn *column = m_viewColumns.at(vc);
+        const bool fixed = IsFixedColumn(column);
         setColumnWidth(vc, column->Width());
-        setColumnHidden(vc, !column->Visible());
+        setColumnHidden(vc, !column->Visible() || fixed);
+        m_fixedView->setColumnWidth(vc, column->Width());
+        m_fixedView->setColumnHidden(vc, !column->Visible() || !fixed);
     }
+    m_indicator->setVisible(m_options.testFlag(dgIndicator) || FixedWidth() > 0);
+    updateGeometries();
     m_layingOut = wasLayingOut;
 }
 
@@ -892,6 +1044,9 @@ void TCustomDBGrid::SectionResized(int logical, int, int newSize)
     if (TColumn *column = ViewColumn(logical)) {
         column->m_width = newSize;
         m_titleDragged = true;
+        // The scrolling columns start where the fixed ones now end.
+        if (IsFixedColumn(column))
+            ApplyColumnLayout();
     }
 }
 
@@ -908,7 +1063,10 @@ void TCustomDBGrid::SectionMoved(int logical, int oldVisual, int newVisual)
     m_layingOut = false;
     if (!moved || !target)
         return;
-    const int from = moved->Index(), to = target->Index();
+    // Dropped over the fixed columns (hidden in this header), it stays the first to scroll.
+    const int from = moved->Index(), to = std::max(target->Index(), FixedColsInEffect());
+    if (from == to)
+        return;
     m_columns.Move(from, to);
     if (m_selectedIndex == from)
         m_selectedIndex = to;
@@ -1422,10 +1580,8 @@ void TCustomDBGrid::changeEvent(QEvent *event)
 {
     QTableView::changeEvent(event);
     if (event->type() == QEvent::FontChange) {
-        if (!m_titleFontSet) {
-            m_titleFont = font();
-            m_titleBar->setFont(m_titleFont);
-        }
+        if (!m_titleFontSet)
+            SetTitleBarFont(font());
         UpdateRowHeight();
     }
 }
@@ -1459,8 +1615,11 @@ void TCustomDBGrid::PaintCell(QPainter *painter, const QRect &rect, const QModel
     if (!column || !ds || index.row() >= ds->RowCount())
         return;
     const int row = index.row();
+    const bool fixed = IsFixedColumn(column);
     TGridDrawState state;
-    if (row == ds->CurrentRow() && (m_options.testFlag(dgRowSelect) || column->Index() == m_selectedIndex)) {
+    if (fixed) {
+        state = gdFixed;
+    } else if (row == ds->CurrentRow() && (m_options.testFlag(dgRowSelect) || column->Index() == m_selectedIndex)) {
         state |= gdSelected;
         if (FocusWithin())
             state |= gdFocused;
@@ -1471,8 +1630,11 @@ void TCustomDBGrid::PaintCell(QPainter *painter, const QRect &rect, const QModel
         // The fields read the drawn row while it is drawn, as handlers of the events expect.
         TRecordScope scope(ds, row);
         TFont font = column->Font();
-        TColor background = column->Color();
-        CellColors(column, font, background, HighlightCell(column->Index(), row));
+        TColor background = m_fixedColor;
+        if (!fixed) {
+            background = column->Color();
+            CellColors(column, font, background, HighlightCell(column->Index(), row));
+        }
         painter->setBrush(TColorToQColor(background));
         painter->setPen(TColorToQColor(font.Color()));
         painter->setFont(font);
@@ -1595,12 +1757,14 @@ void TCustomDBGrid::DrawIndicatorCell(QPainter *Canvas, const QRect &Rect, int R
 void TCustomDBGrid::InvalidateTitles()
 {
     m_titleBar->viewport()->update();
+    m_fixedView->horizontalHeader()->viewport()->update();
 }
 
 void TCustomDBGrid::InvalidateGrid()
 {
     viewport()->update();
     m_indicator->viewport()->update();
+    m_fixedView->viewport()->update();
 }
 
 } // namespace mattoni

@@ -409,6 +409,14 @@ protected:
     void Guard(const std::function<void()> &f);
     void ShowError(const QString &message);
 
+    // The leftmost FixedCols columns stay in place while the others scroll sideways; they are
+    // drawn in FixedColor and the cursor never enters them. At least one column always scrolls.
+    int FixedCols() const { return m_fixedCols; }
+    void setFixedCols(int value);
+    // The columns fixed now: FixedCols, less when there are not enough columns.
+    int FixedColsInEffect() const;
+    bool IsFixedColumn(const TColumn *Column) const;
+
     // While disabled, the grid does not follow the dataset's cursor; it catches up when scroll
     // handling resumes.
     void DisableScroll();
@@ -429,6 +437,7 @@ protected:
     // Typing does not jump to a row: it edits the current cell.
     void keyboardSearch(const QString &) override {}
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void updateGeometries() override;
 
 private:
     class Link;
@@ -436,11 +445,13 @@ private:
     class Delegate;
     class TitleBar;
     class Indicator;
+    class FixedView;
     friend class Link;
     friend class Model;
     friend class Delegate;
     friend class TitleBar;
     friend class Indicator;
+    friend class FixedView;
     friend class TColumn;
     friend class TColumnTitle;
     friend class TDBGridColumns;
@@ -468,6 +479,9 @@ private:
     bool FocusWithin() const;
     void FocusChanged(QWidget *old, QWidget *now);
     void UpdateRowHeight();
+    int FixedWidth() const;
+    void PlaceFixedView();
+    void SetTitleBarFont(const QFont &font);
     int CurrentRow() const;
 
     TDBGridColumns m_columns;
@@ -477,6 +491,7 @@ private:
     Delegate *m_delegate;
     TitleBar *m_titleBar;
     Indicator *m_indicator;
+    FixedView *m_fixedView = nullptr;
     QList<TColumn *> m_viewColumns;
     QPointer<QWidget> m_editor;
     QMetaObject::Connection m_focusWatch;
@@ -489,6 +504,7 @@ private:
     bool m_titleFontSet = false;
     bool m_defaultDrawing = true;
     int m_selectedIndex = 0;
+    int m_fixedCols = 0;
     int m_rowHeight = 0;
     int m_drawingRow = -1;
     int m_scrollLock = 0;

@@ -779,7 +779,8 @@ void TDBGridExt::AutoSizeColumns()
     QList<TEnhancedColumn *> sharing;
     int fixed = 0;
     for (TColumn *column : Columns()) {
-        if (!column->Visible() || !column->Field())
+        // Fixed columns stand outside the scrolling width being shared.
+        if (!column->Visible() || !column->Field() || IsFixedColumn(column))
             continue;
         auto *c = qobject_cast<TEnhancedColumn *>(column);
         if (c && c->AutoResize())

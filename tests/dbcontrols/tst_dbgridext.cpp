@@ -13,6 +13,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPainter>
+#include <QScrollBar>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTemporaryDir>
@@ -630,6 +631,97 @@ private slots:
         combo->setCurrentIndex(1);
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
         QTRY_COMPARE(s.ds.FieldByName(QStringLiteral("CITTA"))->AsString(), QStringLiteral("Napoli"));
+    }
+
+    // The fixed columns stay where they are while the others scroll, are painted in FixedColor,
+    // and neither keys nor clicks put the cursor in them.
+    void fixedColumns()
+    {
+        Students s;
+        for (int i = 7; i <= 60; ++i)
+            s.ds.AppendRecord({i, QStringLiteral("C%1").arg(i), "n", "Roma", "S", i});
+        s.ds.First();
+        s.grid.resize(420, 260);
+        s.grid.setFixedCols(2);
+        QVERIFY(s.shown());
+        const int id = s.col("ID"), cognome = s.col("COGNOME"), nome = s.col("NOME"), last = s.grid.Columns().Count() - 1;
+        QCOMPARE(s.grid.SelectedIndex(), nome);
+        const auto cellAt = [&](int row, int column) {
+            return s.grid.CellRect(s.grid.IndicatorOffset() + column, s.grid.TitleOffset() + row);
+        };
+        // The record shown at a point of the screen, as the view under it finds it.
+        const auto rowAt = [&](const QPoint &at) {
+            QWidget *under = s.grid.childAt(at);
+            auto *view = under ? qobject_cast<QTableView *>(under->parentWidget()) : nullptr;
+            return view ? view->indexAt(under->mapFrom(&s.grid, at)).row() : -2;
+        };
+        const QRect idCell = cellAt(0, id), cognomeCell = cellAt(0, cognome);
+        QCOMPARE(idCell.left(), s.grid.CellRect(0, 0).right() + 1);
+        QCOMPARE(cellAt(0, nome).left(), cognomeCell.right() + 1);
+        const QRect fixedArea(idCell.left(), 0, cognomeCell.right() - idCell.left() + 1, cellAt(3, id).bottom());
+        const QImage before = s.grid.grab(fixedArea).toImage();
+        QCOMPARE(s.background(1, "COGNOME"), TColorToQColor(clBtnFace));
+
+        for (int i = 0; i < last + 3; ++i)
+            QTest::keyClick(&s.grid, Qt::Key_Right);
+        QCOMPARE(s.grid.SelectedIndex(), last);
+        QVERIFY(s.grid.horizontalScrollBar()->value() > 0);
+        QVERIFY(cellAt(0, nome).left() < cognomeCell.right());
+        QCOMPARE(cellAt(0, id), idCell);
+        QCOMPARE(cellAt(0, cognome), cognomeCell);
+        QCOMPARE(s.grid.MouseCoord(cognomeCell.center().x(), cognomeCell.center().y()),
+                 TGridCoord({s.grid.IndicatorOffset() + cognome, s.grid.TitleOffset()}));
+        QCOMPARE(s.grid.grab(fixedArea).toImage(), before);
+
+        for (int i = 0; i < last + 3; ++i)
+            QTest::keyClick(&s.grid, Qt::Key_Left);
+        QCOMPARE(s.grid.SelectedIndex(), nome);
+        QTest::keyClick(&s.grid, Qt::Key_Home);
+        QCOMPARE(s.grid.SelectedIndex(), nome);
+
+        // Scrolling down, the fixed cells stay beside their rows.
+        for (int i = 0; i < 45; ++i)
+            QTest::keyClick(&s.grid, Qt::Key_Down);
+        QCOMPARE(s.ds.RecNo(), 46);
+        QVERIFY(s.grid.verticalScrollBar()->value() > 0);
+        QCOMPARE(rowAt(cellAt(45, cognome).center()), 45);
+        QCOMPARE(rowAt(cellAt(45, nome).center()), 45);
+
+        // A click on a fixed cell goes to its record and leaves the column as it was.
+        TColumn *clicked = nullptr;
+        s.grid.OnCellClick = [&](TColumn *c) { clicked = c; };
+        ClickCell(s.grid, 43, cognome);
+        QCOMPARE(s.ds.RecNo(), 44);
+        QCOMPARE(clicked, s.grid.Columns()[cognome]);
+        QCOMPARE(s.grid.SelectedIndex(), nome);
+        ClickCell(s.grid, 43, cognome);
+        QVERIFY(!s.grid.findChild<QLineEdit *>());
+
+        // Their titles sort like the others.
+        s.grid.setTitleSort(true);
+        ClickTitle(s.grid, cognome);
+        QVERIFY(Rows(s.ds, QStringLiteral("ID")).startsWith(QLatin1String("4,1,6,10,11,")));
+        QCOMPARE(s.grid.SelectedIndex(), nome);
+
+        // A wider fixed column pushes the scrolling ones right.
+        s.grid.Columns()[id]->setWidth(idCell.width() + 30);
+        QCOMPARE(cellAt(0, cognome).left(), idCell.left() + idCell.width() + 30);
+        QTest::keyClick(&s.grid, Qt::Key_Home);
+        QCOMPARE(cellAt(0, nome).left(), cellAt(0, cognome).right() + 1);
+
+        // Without the indicator the fixed columns start at the grid's edge.
+        s.grid.setOptions(s.grid.Options() & ~TDBGridOptions(dgIndicator));
+        QCOMPARE(cellAt(0, id).left(), s.grid.frameWidth());
+        QCOMPARE(cellAt(0, nome).left(), cellAt(0, cognome).right() + 1);
+
+        // At least one column scrolls; none fixed, the first column is at the left again.
+        s.grid.setFixedCols(50);
+        QCOMPARE(s.grid.FixedCols(), 50);
+        QCOMPARE(s.grid.SelectedIndex(), last);
+        s.grid.setFixedCols(0);
+        QTest::keyClick(&s.grid, Qt::Key_Home);
+        QCOMPARE(s.grid.SelectedIndex(), id);
+        QCOMPARE(cellAt(0, id).left(), s.grid.viewport()->geometry().left());
     }
 
     // Both drawing events paint on the cell being drawn, the older one first and only while the
