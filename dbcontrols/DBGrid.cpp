@@ -18,6 +18,7 @@
 #include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <QTimer>
+#include <QToolButton>
 
 #include <algorithm>
 
@@ -26,6 +27,31 @@ namespace mattoni {
 namespace {
 
 constexpr int IndicatorWidth = 12;
+
+// The editor of a cbsEllipsis column: a line edit with a "..." button at its right end.
+class EllipsisEdit : public QLineEdit
+{
+public:
+    explicit EllipsisEdit(QWidget *parent) : QLineEdit(parent), m_button(new QToolButton(this))
+    {
+        m_button->setText(QStringLiteral("..."));
+        m_button->setFocusPolicy(Qt::NoFocus);
+        m_button->setCursor(Qt::ArrowCursor);
+    }
+    QToolButton *Button() const { return m_button; }
+
+protected:
+    void resizeEvent(QResizeEvent *event) override
+    {
+        QLineEdit::resizeEvent(event);
+        const int side = height();
+        m_button->setGeometry(width() - side, 0, side, side);
+        setTextMargins(0, 0, side, 0);
+    }
+
+private:
+    QToolButton *m_button;
+};
 
 void DrawBevel(QPainter *painter, const QRect &rect, bool down)
 {
@@ -168,6 +194,24 @@ public:
             m_grid->EditorClosed();
         }
         QStyledItemDelegate::destroyEditor(editor, index);
+    }
+
+protected:
+    // Ctrl+Enter in an ellipsis column's editor is its button, not the end of the edit: caught
+    // here, before the delegate closes the editor on Enter.
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        if (event->type() == QEvent::KeyPress && object == m_grid->m_editor) {
+            const auto *key = static_cast<QKeyEvent *>(event);
+            const TColumn *column = m_grid->m_columns[m_grid->m_selectedIndex];
+            if ((key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) &&
+                (key->modifiers() & ~Qt::KeypadModifier) == Qt::ControlModifier && column &&
+                column->ButtonStyle() == cbsEllipsis) {
+                m_grid->Guard([this] { m_grid->EditButtonClick(); });
+                return true;
+            }
+        }
+        return QStyledItemDelegate::eventFilter(object, event);
     }
 
 private:
@@ -400,6 +444,14 @@ void TColumn::setAlignment(Qt::Alignment value)
 {
     m_alignment = value;
     m_alignmentSet = true;
+    Changed();
+}
+
+void TColumn::setButtonStyle(TColumnButtonStyle value)
+{
+    if (value == m_buttonStyle)
+        return;
+    m_buttonStyle = value;
     Changed();
 }
 
@@ -1234,6 +1286,12 @@ void TCustomDBGrid::ColumnMoved(int FromIndex, int ToIndex)
         OnColumnMoved(this, FromIndex, ToIndex);
 }
 
+void TCustomDBGrid::EditButtonClick()
+{
+    if (OnEditButtonClick)
+        OnEditButtonClick(this);
+}
+
 bool TCustomDBGrid::ColumnEditable(TColumn *Column) const
 {
     const TField *field = Column->Field();
@@ -1256,7 +1314,14 @@ bool TCustomDBGrid::TitleIsButton(TColumn *) const
 
 QWidget *TCustomDBGrid::CreateEditor(QWidget *parent, TColumn *Column)
 {
-    auto *editor = new QLineEdit(parent);
+    QLineEdit *editor;
+    if (Column->ButtonStyle() == cbsEllipsis) {
+        auto *ellipsis = new EllipsisEdit(parent);
+        connect(ellipsis->Button(), &QToolButton::clicked, this, [this] { Guard([this] { EditButtonClick(); }); });
+        editor = ellipsis;
+    } else {
+        editor = new QLineEdit(parent);
+    }
     editor->setFrame(false);
     if (const TField *field = Column->Field(); field && field->DataType() == ftString && field->Size() > 0)
         editor->setMaxLength(field->Size());

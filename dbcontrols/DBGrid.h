@@ -57,6 +57,11 @@ public:
 
     enum TDBGridColumnsState { csDefault, csCustomized };
     Q_ENUM(TDBGridColumnsState)
+
+    // The button of a column's in-place editor: cbsAuto a drop-down list where the column
+    // offers values, cbsEllipsis a "..." button that fires OnEditButtonClick, cbsNone none.
+    enum TColumnButtonStyle { cbsAuto, cbsEllipsis, cbsNone };
+    Q_ENUM(TColumnButtonStyle)
 };
 using TDBGridOption = DBGridTypes::TDBGridOption;
 using TDBGridOptions = DBGridTypes::TDBGridOptions;
@@ -65,6 +70,8 @@ using TGridDrawState = DBGridTypes::TGridDrawState;
 using enum DBGridTypes::TGridDrawStateFlag;
 using TDBGridColumnsState = DBGridTypes::TDBGridColumnsState;
 using enum DBGridTypes::TDBGridColumnsState;
+using TColumnButtonStyle = DBGridTypes::TColumnButtonStyle;
+using enum DBGridTypes::TColumnButtonStyle;
 
 // What a new grid has: editing, titles, indicator, resizable columns, lines, Tab between
 // columns, and an untouched new record dropped when the focus leaves.
@@ -123,6 +130,7 @@ class MATTONI_WIDGETS_EXPORT TColumn : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(Qt::Alignment Alignment READ Alignment WRITE setAlignment)
+    Q_PROPERTY(mattoni::DBGridTypes::TColumnButtonStyle ButtonStyle READ ButtonStyle WRITE setButtonStyle)
     Q_PROPERTY(mattoni::TColor Color READ Color WRITE setColor)
     Q_PROPERTY(QString FieldName READ FieldName WRITE setFieldName)
     Q_PROPERTY(bool ReadOnly READ ReadOnly WRITE setReadOnly)
@@ -148,6 +156,8 @@ public:
     // The alignment set, else the field's.
     Qt::Alignment Alignment() const;
     void setAlignment(Qt::Alignment value);
+    TColumnButtonStyle ButtonStyle() const { return m_buttonStyle; }
+    void setButtonStyle(TColumnButtonStyle value);
     // The cells' background (clWindow unless set).
     TColor Color() const { return m_color; }
     void setColor(TColor value);
@@ -181,6 +191,7 @@ private:
     mutable QPointer<TField> m_field;
     Qt::Alignment m_alignment;
     bool m_alignmentSet = false;
+    TColumnButtonStyle m_buttonStyle = cbsAuto;
     TColor m_color = clWindow;
     TFont m_font;
     bool m_readOnly = false;
@@ -334,6 +345,8 @@ public:
     TNotifyEvent OnColEnter;
     TNotifyEvent OnColExit;
     TNotifyEvent OnDblClick;
+    // The "..." button of a cbsEllipsis column's editor was clicked, or Ctrl+Enter typed in it.
+    TNotifyEvent OnEditButtonClick;
     TMovedEvent OnColumnMoved;
     TDrawColumnCellEvent OnDrawColumnCell;
     // The older per-cell event, by field: fired only while the columns are the default ones,
@@ -354,6 +367,7 @@ protected:
     virtual void ColEnter();
     virtual void ColExit();
     virtual void ColumnMoved(int FromIndex, int ToIndex);
+    virtual void EditButtonClick();
     virtual void KeyDown(int &Key, Qt::KeyboardModifiers Shift);
     virtual void KeyPress(QChar &Key);
     virtual void KeyUp(int &Key, Qt::KeyboardModifiers Shift);
@@ -373,7 +387,8 @@ protected:
     virtual void DrawDataCell(QPainter *Canvas, const QRect &Rect, TField *Field, TGridDrawState State);
     virtual void DrawTitleCell(QPainter *Canvas, const QRect &Rect, TColumn *Column, bool Down);
     virtual void DrawIndicatorCell(QPainter *Canvas, const QRect &Rect, int Row);
-    // The editor for the current cell, a line edit unless a descendant gives another.
+    // The editor for the current cell, a line edit (with a "..." button in a cbsEllipsis column)
+    // unless a descendant gives another.
     virtual QWidget *CreateEditor(QWidget *parent, TColumn *Column);
     // The dataset opened or closed, or the data source changed.
     virtual void LinkActive(bool Value);

@@ -676,7 +676,7 @@ void TDBGridExt::KeyPress(QChar &Key)
 QWidget *TDBGridExt::CreateEditor(QWidget *parent, TColumn *Column)
 {
     auto *column = qobject_cast<TEnhancedColumn *>(Column);
-    if (!column || column->Values().isEmpty())
+    if (!column || column->Values().isEmpty() || column->ButtonStyle() != cbsAuto)
         return TCustomDBGrid::CreateEditor(parent, Column);
     auto *combo = new QComboBox(parent);
     combo->setEditable(true);

@@ -64,7 +64,7 @@ public:
     void setValueChecked(const QString &value);
     QString ValueUnchecked() const { return m_valueUnchecked; }
     void setValueUnchecked(const QString &value);
-    // The values offered by the in-place editor's drop-down list.
+    // The values offered by the in-place editor's drop-down list (with ButtonStyle cbsAuto).
     QStringList Values() const { return m_values; }
     void setValues(const QStringList &value) { m_values = value; }
     // The widest the column grows to when the grid shares out its width; 0: its DefaultWidth.

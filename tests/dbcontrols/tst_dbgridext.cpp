@@ -17,6 +17,7 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTemporaryDir>
+#include <QToolButton>
 
 #include <memory>
 
@@ -765,6 +766,59 @@ private slots:
         (void)s.grid.grab();
         QVERIFY(!order.isEmpty());
         QVERIFY(std::all_of(order.cbegin(), order.cend(), [](const QString &e) { return e.startsWith(QLatin1String("column:")); }));
+    }
+
+    // An ellipsis column's editor has a "..." button; a click on it or Ctrl+Enter asks the
+    // application for a value, which the editor then shows and keeps.
+    void ellipsisButton()
+    {
+        Students s;
+        TEnhancedColumn *citta = s.grid.Column(s.col("CITTA"));
+        citta->setButtonStyle(cbsEllipsis);
+        citta->setValues({QStringLiteral("Milano"), QStringLiteral("Roma")});
+        s.grid.Column(s.col("NOME"))->setValues({QStringLiteral("Anna")});
+        s.grid.Column(s.col("NOME"))->setButtonStyle(cbsNone);
+        int clicks = 0;
+        s.grid.OnEditButtonClick = [&](QObject *sender) {
+            QCOMPARE(sender, &s.grid);
+            ++clicks;
+            s.ds.Edit();
+            s.ds.FieldByName(QStringLiteral("CITTA"))->setAsString(QStringLiteral("Torino %1").arg(clicks));
+        };
+        QVERIFY(s.shown());
+        ClickCell(s.grid, 1, s.col("CITTA"));
+        ClickCell(s.grid, 1, s.col("CITTA"));
+        QVERIFY(!s.grid.findChild<QComboBox *>());
+        auto *editor = s.grid.findChild<QLineEdit *>();
+        QVERIFY(editor);
+        auto *button = editor->findChild<QToolButton *>();
+        QVERIFY(button && button->isVisible());
+        QCOMPARE(button->text(), QStringLiteral("..."));
+        QVERIFY(editor->rect().contains(button->geometry()));
+        QCOMPARE(clicks, 0);
+
+        QTest::mouseClick(button, Qt::LeftButton);
+        QCOMPARE(clicks, 1);
+        QCOMPARE(editor->text(), QStringLiteral("Torino 1"));
+        QTest::keyClick(editor, Qt::Key_Return, Qt::ControlModifier);
+        QCOMPARE(clicks, 2);
+        QCOMPARE(editor->text(), QStringLiteral("Torino 2"));
+        QTest::qWait(20);
+        QVERIFY(editor->isVisible());
+        // Plain Enter is not the button: it closes the editor and the value stays.
+        QTest::keyClick(editor, Qt::Key_Return);
+        QCOMPARE(clicks, 2);
+        QTRY_VERIFY(!s.grid.findChild<QLineEdit *>());
+        QCOMPARE(s.ds.FieldByName(QStringLiteral("CITTA"))->AsString(), QStringLiteral("Torino 2"));
+
+        // cbsNone: a plain editor, even with values to offer.
+        ClickCell(s.grid, 1, s.col("NOME"));
+        ClickCell(s.grid, 1, s.col("NOME"));
+        QVERIFY(!s.grid.findChild<QComboBox *>());
+        editor = s.grid.findChild<QLineEdit *>();
+        QVERIFY(editor && !editor->findChild<QToolButton *>());
+        QTest::keyClick(editor, Qt::Key_Return, Qt::ControlModifier);
+        QCOMPARE(clicks, 2);
     }
 
     void rowHeight()
