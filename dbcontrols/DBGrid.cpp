@@ -10,6 +10,8 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDrag>
+#include <QMimeData>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -705,6 +707,11 @@ TCustomDBGrid::TCustomDBGrid(QWidget *owner)
     setShowGrid(false);
     setWordWrap(false);
     viewport()->setMouseTracking(true);
+    // The grid as a whole takes drags, titles and fixed columns included; its parts do not (a
+    // scroll area passes its own setting on to its viewport), so that a drag going from one to
+    // another stays over the grid. Whether it takes a drop is OnDragOver's to say.
+    setAcceptDrops(true);
+    viewport()->setAcceptDrops(false);
     SetTitleBarFont(font());
     if (auto *corner = findChild<QAbstractButton *>(QString(), Qt::FindDirectChildrenOnly))
         corner->installEventFilter(this);
@@ -1581,18 +1588,169 @@ void TCustomDBGrid::TitleMouse(QMouseEvent *event, QWidget *from)
     const QPoint p = from->mapTo(this, event->position().toPoint());
     switch (event->type()) {
     case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseButtonDblClick: {
+        m_dragArmed = false;
         Guard([&] { MouseDown(event->button(), event->modifiers(), p.x(), p.y()); });
+        const TGridCoord cell = MouseCoord(p.x(), p.y());
+        if (m_dragMode == dmAutomatic && event->button() == Qt::LeftButton && cell.X >= IndicatorOffset() &&
+            cell.Y >= TitleOffset() && DataSet()) {
+            m_dragArmed = true;
+            m_dragStart = p;
+            m_dragThreshold = QApplication::startDragDistance();
+        }
         break;
+    }
     case QEvent::MouseMove:
         Guard([&] { MouseMove(event->modifiers(), p.x(), p.y()); });
+        if (m_dragArmed && !(event->buttons() & Qt::LeftButton))
+            m_dragArmed = false;
+        if (m_dragArmed && (p - m_dragStart).manhattanLength() >= m_dragThreshold)
+            StartDrag();
         break;
     case QEvent::MouseButtonRelease:
+        m_dragArmed = false;
         Guard([&] { MouseUp(event->button(), event->modifiers(), p.x(), p.y()); });
         break;
     default:
         break;
     }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Drag and drop
+
+void TCustomDBGrid::BeginDrag(bool Immediate, int Threshold)
+{
+    if (m_dragging)
+        return;
+    if (Immediate) {
+        StartDrag();
+        return;
+    }
+    m_dragArmed = true;
+    m_dragStart = mapFromGlobal(QCursor::pos());
+    m_dragThreshold = Threshold < 0 ? QApplication::startDragDistance() : Threshold;
+}
+
+void TCustomDBGrid::StartDrag()
+{
+    m_dragArmed = false;
+    if (m_dragging)
+        return;
+    auto *data = new QMimeData;
+    Guard([&] {
+        if (const TField *field = SelectedField(); field && CurrentRow() >= 0)
+            data->setText(field->DisplayText());
+        DoStartDrag(data);
+    });
+    auto *drag = new QDrag(this);
+    drag->setMimeData(data);
+    m_dragging = true;
+    const Qt::DropAction action = drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::CopyAction);
+    m_dragging = false;
+    QObject *target = action == Qt::IgnoreAction ? nullptr : drag->target();
+    drag->deleteLater();
+    // A view takes drops on its viewport: the target named is the view, and for the fixed
+    // columns the grid they belong to.
+    auto *widget = qobject_cast<QWidget *>(target);
+    if (auto *area = widget ? qobject_cast<QAbstractScrollArea *>(widget->parentWidget()) : nullptr;
+        area && area->viewport() == widget)
+        widget = area;
+    if (auto *fixed = dynamic_cast<FixedView *>(widget))
+        widget = fixed->parentWidget();
+    QPoint at;
+    if (auto *grid = qobject_cast<TCustomDBGrid *>(widget))
+        at = grid->m_dragPoint;
+    else if (widget)
+        at = widget->mapFromGlobal(QCursor::pos());
+    Guard([&] { DoEndDrag(widget ? widget : target, at.x(), at.y()); });
+}
+
+void TCustomDBGrid::DragEvent(QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::DragEnter:
+    case QEvent::DragMove: {
+        auto *e = static_cast<QDragMoveEvent *>(event);
+        const bool entering = event->type() == QEvent::DragEnter;
+        m_dragPoint = e->position().toPoint();
+        if (entering)
+            m_dragSource = e->source();
+        bool accept = false;
+        Guard([&] { DragOver(e->source(), m_dragPoint.x(), m_dragPoint.y(), entering ? dsDragEnter : dsDragMove, accept); });
+        m_dragAccepted = accept;
+        if (accept) {
+            e->acceptProposedAction();
+        } else {
+            // Refused here: the grid stays the drag's target, so that OnDragOver is asked again
+            // as the drag moves, and a drop here is turned down when it comes.
+            e->setDropAction(Qt::IgnoreAction);
+            e->accept();
+        }
+        break;
+    }
+    case QEvent::DragLeave: {
+        bool accept = false;
+        Guard([&] { DragOver(m_dragSource, m_dragPoint.x(), m_dragPoint.y(), dsDragLeave, accept); });
+        m_dragSource = nullptr;
+        m_dragAccepted = false;
+        break;
+    }
+    case QEvent::Drop: {
+        auto *e = static_cast<QDropEvent *>(event);
+        m_dragPoint = e->position().toPoint();
+        if (!std::exchange(m_dragAccepted, false)) {
+            e->ignore();
+            break;
+        }
+        e->acceptProposedAction();
+        m_dragSource = nullptr;
+        Guard([&] { DragDrop(e->source(), m_dragPoint.x(), m_dragPoint.y()); });
+        break;
+    }
+    default:
+        break;
+    }
+}
+
+// QAbstractScrollArea leaves drag events on its frame unhandled, expecting them on the viewport.
+bool TCustomDBGrid::event(QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::DragLeave:
+    case QEvent::Drop:
+        DragEvent(event);
+        return true;
+    default:
+        return QTableView::event(event);
+    }
+}
+
+void TCustomDBGrid::DoStartDrag(QMimeData *Data)
+{
+    if (OnStartDrag)
+        OnStartDrag(this, Data);
+}
+
+void TCustomDBGrid::DragOver(QObject *Source, int X, int Y, TDragState State, bool &Accept)
+{
+    Accept = bool(OnDragOver);
+    if (OnDragOver)
+        OnDragOver(this, Source, X, Y, State, Accept);
+}
+
+void TCustomDBGrid::DragDrop(QObject *Source, int X, int Y)
+{
+    if (OnDragDrop)
+        OnDragDrop(this, Source, X, Y);
+}
+
+void TCustomDBGrid::DoEndDrag(QObject *Target, int X, int Y)
+{
+    if (OnEndDrag)
+        OnEndDrag(this, Target, X, Y);
 }
 
 void TCustomDBGrid::mousePressEvent(QMouseEvent *event)

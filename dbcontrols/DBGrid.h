@@ -20,6 +20,8 @@
 #include <QSet>
 #include <QTableView>
 
+class QMimeData;
+
 #include <functional>
 #include <memory>
 
@@ -62,6 +64,14 @@ public:
     // offers values, cbsEllipsis a "..." button that fires OnEditButtonClick, cbsNone none.
     enum TColumnButtonStyle { cbsAuto, cbsEllipsis, cbsNone };
     Q_ENUM(TColumnButtonStyle)
+
+    // dmAutomatic: dragging a data cell with the left button drags its record; dmManual: drags
+    // start only through BeginDrag.
+    enum TDragMode { dmManual, dmAutomatic };
+    Q_ENUM(TDragMode)
+    // Why OnDragOver is called: a drag came in, moves over the grid, or went away.
+    enum TDragState { dsDragEnter, dsDragLeave, dsDragMove };
+    Q_ENUM(TDragState)
 };
 using TDBGridOption = DBGridTypes::TDBGridOption;
 using TDBGridOptions = DBGridTypes::TDBGridOptions;
@@ -72,6 +82,10 @@ using TDBGridColumnsState = DBGridTypes::TDBGridColumnsState;
 using enum DBGridTypes::TDBGridColumnsState;
 using TColumnButtonStyle = DBGridTypes::TColumnButtonStyle;
 using enum DBGridTypes::TColumnButtonStyle;
+using TDragMode = DBGridTypes::TDragMode;
+using enum DBGridTypes::TDragMode;
+using TDragState = DBGridTypes::TDragState;
+using enum DBGridTypes::TDragState;
 
 // What a new grid has: editing, titles, indicator, resizable columns, lines, Tab between
 // columns, and an untouched new record dropped when the focus leaves.
@@ -274,6 +288,7 @@ class MATTONI_WIDGETS_EXPORT TCustomDBGrid : public QTableView
     Q_PROPERTY(mattoni::TColor Color READ Color WRITE setColor)
     Q_PROPERTY(mattoni::TDataSource *DataSource READ DataSource WRITE setDataSource)
     Q_PROPERTY(bool DefaultDrawing READ DefaultDrawing WRITE setDefaultDrawing)
+    Q_PROPERTY(mattoni::DBGridTypes::TDragMode DragMode READ DragMode WRITE setDragMode)
     Q_PROPERTY(mattoni::TColor FixedColor READ FixedColor WRITE setFixedColor)
     Q_PROPERTY(mattoni::DBGridTypes::TDBGridOptions Options READ Options WRITE setOptions)
     Q_PROPERTY(bool ReadOnly READ ReadOnly WRITE setReadOnly)
@@ -294,6 +309,13 @@ public:
     using TMouseEvent = std::function<void(QObject *Sender, Qt::MouseButton Button, Qt::KeyboardModifiers Shift,
                                            int X, int Y)>;
     using TMouseMoveEvent = std::function<void(QObject *Sender, Qt::KeyboardModifiers Shift, int X, int Y)>;
+    // Data is what the drag carries (the current cell's text when the handler is called); the
+    // handler may add to it or replace it.
+    using TStartDragEvent = std::function<void(QObject *Sender, QMimeData *Data)>;
+    using TDragOverEvent = std::function<void(QObject *Sender, QObject *Source, int X, int Y, TDragState State,
+                                              bool &Accept)>;
+    using TDragDropEvent = std::function<void(QObject *Sender, QObject *Source, int X, int Y)>;
+    using TEndDragEvent = std::function<void(QObject *Sender, QObject *Target, int X, int Y)>;
 
     explicit TCustomDBGrid(QWidget *owner = nullptr);
     ~TCustomDBGrid() override;
@@ -318,6 +340,14 @@ public:
     void setTitleFont(const QFont &value);
     bool DefaultDrawing() const { return m_defaultDrawing; }
     void setDefaultDrawing(bool value) { m_defaultDrawing = value; }
+    TDragMode DragMode() const { return m_dragMode; }
+    void setDragMode(TDragMode value) { m_dragMode = value; }
+
+    // Drags the current record: at once when Immediate, else once the mouse has moved Threshold
+    // pixels (-1: the desktop's start-drag distance) with a button held. Returns when the drag is
+    // over (or, not immediate, at once).
+    void BeginDrag(bool Immediate, int Threshold = -1);
+    bool Dragging() const { return m_dragging; }
 
     // The current column, by its index in Columns.
     int SelectedIndex() const { return m_selectedIndex; }
@@ -358,6 +388,15 @@ public:
     TMouseEvent OnMouseDown;
     TMouseEvent OnMouseUp;
     TMouseMoveEvent OnMouseMove;
+    TStartDragEvent OnStartDrag;
+    // A drag over the grid: Source is the widget it started from (nullptr from another
+    // application). Accept starts true when there is a handler, and the drop is allowed while it
+    // stays so; without a handler the grid takes no drops.
+    TDragOverEvent OnDragOver;
+    TDragDropEvent OnDragDrop;
+    // The drag started here ended: Target is the widget that took the drop (nullptr when none did),
+    // X and Y the drop point in its coordinates.
+    TEndDragEvent OnEndDrag;
 
 protected:
     // The column class of the grid; descendants return their own.
@@ -374,6 +413,10 @@ protected:
     virtual void MouseDown(Qt::MouseButton Button, Qt::KeyboardModifiers Shift, int X, int Y);
     virtual void MouseMove(Qt::KeyboardModifiers Shift, int X, int Y);
     virtual void MouseUp(Qt::MouseButton Button, Qt::KeyboardModifiers Shift, int X, int Y);
+    virtual void DoStartDrag(QMimeData *Data);
+    virtual void DragOver(QObject *Source, int X, int Y, TDragState State, bool &Accept);
+    virtual void DragDrop(QObject *Source, int X, int Y);
+    virtual void DoEndDrag(QObject *Target, int X, int Y);
     // Whether the in-place editor may open on the current cell.
     virtual bool CanEditShow() const;
     // Whether the current cell's editor may open at all.
@@ -447,6 +490,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
+    bool event(QEvent *event) override;
     void changeEvent(QEvent *event) override;
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
     // Typing does not jump to a row: it edits the current cell.
@@ -497,6 +541,8 @@ private:
     int FixedWidth() const;
     void PlaceFixedView();
     void SetTitleBarFont(const QFont &font);
+    void DragEvent(QEvent *event);
+    void StartDrag();
     int CurrentRow() const;
 
     TDBGridColumns m_columns;
@@ -533,6 +579,17 @@ private:
     TGridCoord m_pressCell;
     int m_pressedTitle = -1;
     bool m_titleDragged = false;
+
+    TDragMode m_dragMode = dmManual;
+    bool m_dragging = false;
+    // A drag waiting for the mouse to travel DragThreshold from DragStart.
+    bool m_dragArmed = false;
+    QPoint m_dragStart;
+    int m_dragThreshold = 0;
+    // The drag over the grid: where it came from, and whether OnDragOver accepted it last.
+    QPointer<QObject> m_dragSource;
+    bool m_dragAccepted = false;
+    QPoint m_dragPoint;
 };
 
 } // namespace mattoni

@@ -11,7 +11,9 @@
 
 #include <QClipboard>
 #include <QComboBox>
+#include <QDrag>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QPainter>
 #include <QScrollBar>
 #include <QSqlDatabase>
@@ -819,6 +821,116 @@ private slots:
         QVERIFY(editor && !editor->findChild<QToolButton *>());
         QTest::keyClick(editor, Qt::Key_Return, Qt::ControlModifier);
         QCOMPARE(clicks, 2);
+    }
+
+    // A record dragged from one grid to another with the mouse: the target refuses the drag over
+    // its titles and takes it over its rows; its handler adds the dragged city to its dataset.
+    void dragBetweenGrids()
+    {
+        Students s;
+        s.grid.move(0, 0);
+        TDataSource citySource;
+        citySource.setDataSet(&s.cities);
+        TDBGridExt target;
+        target.setDataSource(&citySource);
+        target.setGeometry(0, 320, 400, 200);
+        target.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&target));
+        QVERIFY(s.shown());
+
+        QString dragged;
+        s.grid.OnStartDrag = [&](QObject *, QMimeData *data) {
+            dragged = data->text();
+            data->setData(QStringLiteral("application/x-studente"), QByteArray::number(s.ds.FieldByName(QStringLiteral("ID"))->AsInteger()));
+        };
+        QObject *endTarget = nullptr;
+        QPoint endAt;
+        s.grid.OnEndDrag = [&](QObject *, QObject *t, int x, int y) {
+            endTarget = t;
+            endAt = QPoint(x, y);
+        };
+        QStringList over;
+        target.OnDragOver = [&](QObject *, QObject *source, int x, int y, TDragState state, bool &accept) {
+            QCOMPARE(source, &s.grid);
+            QCOMPARE(s.grid.Dragging(), true);
+            QCOMPARE(accept, true);
+            accept = target.MouseCoord(x, y).Y >= target.TitleOffset();
+            over.append(QStringLiteral("%1:%2").arg(int(state)).arg(accept));
+        };
+        QPoint dropAt;
+        target.OnDragDrop = [&](QObject *, QObject *source, int x, int y) {
+            dropAt = QPoint(x, y);
+            const QString city = qobject_cast<TDBGridExt *>(source)->SelectedField()->AsString();
+            s.cities.AppendRecord({city, QStringLiteral("?")});
+        };
+
+        // Presses a data cell of the students' grid and drags it through Path, points of the
+        // target grid, releasing at the last; returns when the drag is over.
+        QWidget *titles = target.horizontalHeader()->viewport();
+        const auto dragAlong = [&](int fromRow, const QList<QPoint> &path) {
+            const QRect from = s.grid.CellRect(s.grid.IndicatorOffset() + s.col("CITTA"), s.grid.TitleOffset() + fromRow);
+            QTimer::singleShot(0, this, [&] {
+                for (const QPoint &at : path) {
+                    QWidget *part = !target.rect().contains(at) ? &target
+                                    : titles->geometry().translated(titles->parentWidget()->pos()).contains(at)
+                                        ? titles
+                                        : WidgetAt(target, target.viewport(), at);
+                    if (&at == &path.last())
+                        QTest::mouseRelease(part, Qt::LeftButton, {}, part->mapFrom(&target, at));
+                    else
+                        QTest::mouseMove(part, part->mapFrom(&target, at));
+                }
+            });
+            QTimer safety;
+            safety.setSingleShot(true);
+            connect(&safety, &QTimer::timeout, [] { QDrag::cancel(); });
+            safety.start(5000);
+            QWidget *source = s.grid.viewport();
+            QTest::mousePress(source, Qt::LeftButton, {}, source->mapFrom(&s.grid, from.center()));
+            QVERIFY(!s.grid.Dragging());
+            // Past the start-drag distance the drag begins; it runs until the release.
+            QTest::mouseMove(source, source->mapFrom(&s.grid, from.center()) + QPoint(QApplication::startDragDistance() + 2, 0));
+            QVERIFY(safety.isActive());
+            QVERIFY(!s.grid.Dragging());
+            // The drag hands the release on to the widget pressed, through the event queue.
+            QCoreApplication::processEvents();
+        };
+
+        // dmManual: pressing and moving drags nothing.
+        QWidget *source = s.grid.viewport();
+        const QPoint cell = source->mapFrom(&s.grid, s.grid.CellRect(s.grid.IndicatorOffset() + 1, s.grid.TitleOffset() + 1).center());
+        QTest::mousePress(source, Qt::LeftButton, {}, cell);
+        QTest::mouseMove(source, cell + QPoint(QApplication::startDragDistance() * 3, 0));
+        QTest::mouseRelease(source, Qt::LeftButton, {}, cell + QPoint(QApplication::startDragDistance() * 3, 0));
+        QVERIFY(dragged.isNull());
+        s.grid.setDragMode(dmAutomatic);
+
+        const QPoint title = target.CellRect(target.IndicatorOffset(), 0).center();
+        const QPoint row = target.CellRect(target.IndicatorOffset() + 1, target.TitleOffset() + 1).center();
+        const QPoint outside(-30, row.y());
+        dragAlong(3, {title, title + QPoint(3, 0), row, row + QPoint(2, 0), row + QPoint(2, 0)});
+        QCOMPARE(dragged, QStringLiteral("Napoli"));
+        QCOMPARE(s.ds.RecNo(), 4);
+        // Entered over the titles (refused there), then moved onto the rows: one entry, no leave.
+        QVERIFY(!over.isEmpty());
+        QCOMPARE(over.first(), QStringLiteral("%1:0").arg(int(dsDragEnter)));
+        QCOMPARE(over.filter(QStringLiteral("%1:").arg(int(dsDragEnter))).size(), 1);
+        QVERIFY(over.filter(QStringLiteral("%1:").arg(int(dsDragLeave))).isEmpty());
+        QCOMPARE(over.last(), QStringLiteral("%1:1").arg(int(dsDragMove)));
+        QCOMPARE(dropAt, row + QPoint(2, 0));
+        QCOMPARE(endTarget, &target);
+        QCOMPARE(endAt, dropAt);
+        QCOMPARE(Rows(s.cities, QStringLiteral("CITTA")), QStringLiteral("Milano,Napoli,Roma,Napoli"));
+
+        // Taken away again and dropped where nothing takes it: the target hears it leave, the
+        // drag ends without a target.
+        over.clear();
+        dragAlong(0, {row, outside, outside});
+        QCOMPARE(dragged, QStringLiteral("Roma"));
+        QVERIFY(!over.isEmpty());
+        QVERIFY(over.last().startsWith(QStringLiteral("%1:").arg(int(dsDragLeave))));
+        QCOMPARE(endTarget, nullptr);
+        QCOMPARE(Rows(s.cities, QStringLiteral("CITTA")), QStringLiteral("Milano,Napoli,Roma,Napoli"));
     }
 
     void rowHeight()
