@@ -6,6 +6,7 @@
 #include "DataSetModel.h"
 #include "Exceptions.h"
 #include "Fields.h"
+#include "fm_MessageBox.h"
 #include "Graphics.h"
 
 #include <QAbstractButton>
@@ -688,6 +689,10 @@ TCustomDBGrid::TCustomDBGrid(QWidget *owner)
     : QTableView(owner), m_columns(this), m_selectedRows(this), m_link(std::make_unique<Link>(this))
 {
     m_model = new Model(this);
+    // Connected before the view's selection model is, so that the flag is up when the view
+    // moves its current cell off a row being removed: the dataset's cursor must not follow.
+    connect(m_model, &QAbstractItemModel::rowsAboutToBeRemoved, this, [this] { m_removingRows = true; });
+    connect(m_model, &QAbstractItemModel::rowsRemoved, this, [this] { m_removingRows = false; });
     m_delegate = new Delegate(this);
     m_titleBar = new TitleBar(this);
     m_indicator = new Indicator(this);
@@ -1242,7 +1247,7 @@ void TCustomDBGrid::EnableScroll()
 void TCustomDBGrid::currentChanged(const QModelIndex &current, const QModelIndex &previous)
 {
     QTableView::currentChanged(current, previous);
-    if (m_syncing || !current.isValid())
+    if (m_syncing || m_removingRows || !current.isValid())
         return;
     Guard([&] {
         TDataSet *ds = DataSet();
@@ -1366,6 +1371,15 @@ void TCustomDBGrid::KeyDown(int &Key, Qt::KeyboardModifiers Shift)
         if (plain && canModify) {
             ds->Insert();
             Key = 0;
+        }
+        break;
+    case Qt::Key_Delete:
+        // Ctrl+Delete deletes the current record, asking first with dgConfirmDelete.
+        if ((Shift & ~Qt::KeypadModifier) == Qt::ControlModifier && !m_editor && !m_readOnly && !m_link->ReadOnly() &&
+            ds->CanModify() && !ds->IsEmpty()) {
+            Key = 0;
+            if (!m_options.testFlag(dgConfirmDelete) || BoxConferma(QStringLiteral("Eliminare il record?")))
+                ds->Delete();
         }
         break;
     case Qt::Key_Escape:

@@ -47,8 +47,9 @@ public:
         dgTabs = 0x80,
         dgRowSelect = 0x100,
         dgAlwaysShowSelection = 0x200,
-        dgCancelOnExit = 0x400,
-        dgMultiSelect = 0x800,
+        dgConfirmDelete = 0x400,
+        dgCancelOnExit = 0x800,
+        dgMultiSelect = 0x1000,
     };
     Q_DECLARE_FLAGS(TDBGridOptions, TDBGridOption)
     Q_FLAG(TDBGridOptions)
@@ -88,10 +89,11 @@ using TDragState = DBGridTypes::TDragState;
 using enum DBGridTypes::TDragState;
 
 // What a new grid has: editing, titles, indicator, resizable columns, lines, Tab between
-// columns, and an untouched new record dropped when the focus leaves.
+// columns, a question before Ctrl+Delete deletes, and an untouched new record dropped when the
+// focus leaves.
 inline constexpr TDBGridOptions DefaultDBGridOptions = TDBGridOptions(dgEditing) | dgTitles | dgIndicator |
                                                       dgColumnResize | dgColLines | dgRowLines | dgTabs |
-                                                      dgCancelOnExit;
+                                                      dgConfirmDelete | dgCancelOnExit;
 
 // A font with its colour, as cell colouring handlers receive it.
 class MATTONI_WIDGETS_EXPORT TFont : public QFont
@@ -570,6 +572,7 @@ private:
     int m_drawingRow = -1;
     int m_scrollLock = 0;
     bool m_syncing = false;
+    bool m_removingRows = false;
     bool m_layingOut = false;
     bool m_reselectRow = false;
     bool m_forwardingKey = false;

@@ -7,6 +7,7 @@
 #include "Exceptions.h"
 #include "FormatSettings.h"
 #include "Graphics.h"
+#include "fm_MessageBox.h"
 #include "GridTestUtils.h"
 
 #include <QClipboard>
@@ -931,6 +932,58 @@ private slots:
         QVERIFY(over.last().startsWith(QStringLiteral("%1:").arg(int(dsDragLeave))));
         QCOMPARE(endTarget, nullptr);
         QCOMPARE(Rows(s.cities, QStringLiteral("CITTA")), QStringLiteral("Milano,Napoli,Roma,Napoli"));
+    }
+
+    void ctrlDelete_data()
+    {
+        QTest::addColumn<QString>("setup");
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<QString>("prompt");
+        QTest::addColumn<QString>("ids");
+        QTest::newRow("asked, yes") << "" << mrYes << "Eliminare il record?" << "1,2,4,5,6";
+        QTest::newRow("asked, no") << "" << mrNo << "Eliminare il record?" << "1,2,3,4,5,6";
+        QTest::newRow("not asked") << "noconfirm" << mrNone << "" << "1,2,4,5,6";
+        QTest::newRow("read-only grid") << "readonly" << mrNone << "" << "1,2,3,4,5,6";
+        QTest::newRow("Delete alone") << "plain" << mrNone << "" << "1,2,3,4,5,6";
+    }
+
+    // Ctrl+Delete deletes the current record, after the library's confirmation dialog when
+    // dgConfirmDelete is set (as it is on a new grid).
+    void ctrlDelete()
+    {
+        QFETCH(QString, setup);
+        QFETCH(int, answer);
+        Students s;
+        QVERIFY(s.grid.Options().testFlag(dgConfirmDelete));
+        if (setup == QLatin1String("noconfirm"))
+            s.grid.setOptions(s.grid.Options() & ~TDBGridOptions(dgConfirmDelete));
+        if (setup == QLatin1String("readonly"))
+            s.grid.setReadOnly(true);
+        QVERIFY(s.shown());
+        ClickCell(s.grid, 2, s.col("NOME"));
+        QCOMPARE(s.ds.FieldByName(QStringLiteral("ID"))->AsInteger(), 3);
+        QString seen;
+        QTimer poll;
+        poll.setInterval(5);
+        connect(&poll, &QTimer::timeout, [&] {
+            auto *box = qobject_cast<TfmMessageBox *>(QApplication::activeModalWidget());
+            if (!box || !box->isVisible() || !seen.isEmpty())
+                return;
+            seen = box->windowTitle() + QLatin1Char(':') + box->mmMessage->toPlainText();
+            for (TBitBtn *button : {box->BitBtn1, box->BitBtn2, box->BitBtn3}) {
+                if (button->isVisible() && button->ModalResult() == answer)
+                    QTest::mouseClick(button, Qt::LeftButton);
+            }
+        });
+        poll.start();
+        QTest::keyClick(&s.grid, Qt::Key_Delete, setup == QLatin1String("plain") ? Qt::NoModifier : Qt::ControlModifier);
+        poll.stop();
+        QFETCH(QString, prompt);
+        QCOMPARE(seen.section(QLatin1Char(':'), 1), prompt);
+        if (!prompt.isEmpty())
+            QCOMPARE(seen.section(QLatin1Char(':'), 0, 0), QStringLiteral("CONFERMA"));
+        QTEST(Rows(s.ds, QStringLiteral("ID")), "ids");
+        QCOMPARE(s.ds.State(), dsBrowse);
     }
 
     void rowHeight()
