@@ -1374,9 +1374,10 @@ void TCustomDBGrid::KeyDown(int &Key, Qt::KeyboardModifiers Shift)
         }
         break;
     case Qt::Key_Delete:
-        // Ctrl+Delete deletes the current record, asking first with dgConfirmDelete.
-        if ((Shift & ~Qt::KeypadModifier) == Qt::ControlModifier && !m_editor && !m_readOnly && !m_link->ReadOnly() &&
-            ds->CanModify() && !ds->IsEmpty()) {
+        // Ctrl+Delete deletes the current record, asking first with dgConfirmDelete; a grid
+        // without dgEditing is one the user does not change, so it deletes nothing either.
+        if ((Shift & ~Qt::KeypadModifier) == Qt::ControlModifier && !m_editor && m_options.testFlag(dgEditing) &&
+            !m_readOnly && !m_link->ReadOnly() && ds->CanModify() && !ds->IsEmpty()) {
             Key = 0;
             if (!m_options.testFlag(dgConfirmDelete) || BoxConferma(QStringLiteral("Eliminare il record?")))
                 ds->Delete();

@@ -944,6 +944,7 @@ private slots:
         QTest::newRow("asked, no") << "" << mrNo << "Eliminare il record?" << "1,2,3,4,5,6";
         QTest::newRow("not asked") << "noconfirm" << mrNone << "" << "1,2,4,5,6";
         QTest::newRow("read-only grid") << "readonly" << mrNone << "" << "1,2,3,4,5,6";
+        QTest::newRow("no editing") << "noediting" << mrNone << "" << "1,2,3,4,5,6";
         QTest::newRow("Delete alone") << "plain" << mrNone << "" << "1,2,3,4,5,6";
     }
 
@@ -959,6 +960,8 @@ private slots:
             s.grid.setOptions(s.grid.Options() & ~TDBGridOptions(dgConfirmDelete));
         if (setup == QLatin1String("readonly"))
             s.grid.setReadOnly(true);
+        if (setup == QLatin1String("noediting"))
+            s.grid.setOptions(s.grid.Options() & ~TDBGridOptions(dgEditing));
         QVERIFY(s.shown());
         ClickCell(s.grid, 2, s.col("NOME"));
         QCOMPARE(s.ds.FieldByName(QStringLiteral("ID"))->AsInteger(), 3);
