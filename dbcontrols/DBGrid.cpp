@@ -234,6 +234,14 @@ public:
         viewport()->setMouseTracking(true);
     }
 
+    QSize sizeHint() const override
+    {
+        QSize size = QHeaderView::sizeHint();
+        if (const int lines = m_grid->TitleLines(); lines > 1)
+            size.setHeight(std::max(size.height(), QFontMetrics(font()).lineSpacing() * lines + 6));
+        return size;
+    }
+
 protected:
     void paintSection(QPainter *painter, const QRect &rect, int logicalIndex) const override
     {
@@ -1057,6 +1065,8 @@ void TCustomDBGrid::ColumnsChanged(bool layout)
         return;
     if (layout)
         UpdateViewColumns();
+    // A caption may have gained or lost a line.
+    updateGeometries();
     InvalidateGrid();
     InvalidateTitles();
 }
@@ -1921,14 +1931,25 @@ void TCustomDBGrid::DrawDataCell(QPainter *Canvas, const QRect &Rect, TField *Fi
         OnDrawDataCell(this, Canvas, Rect, Field, State);
 }
 
-void TCustomDBGrid::DrawCellText(QPainter *Canvas, const QRect &Rect, const QString &Text, Qt::Alignment Alignment) const
+int TCustomDBGrid::TitleLines() const
+{
+    int lines = 1;
+    for (const TColumn *column : m_columns) {
+        if (column->Visible())
+            lines = std::max(lines, int(column->Title()->Caption().count(QLatin1Char('\n'))) + 1);
+    }
+    return lines;
+}
+
+void TCustomDBGrid::DrawCellText(QPainter *Canvas, const QRect &Rect, const QString &Text, Qt::Alignment Alignment,
+                                 bool MultiLine) const
 {
     Qt::Alignment align = Alignment;
     if (!(align & Qt::AlignVertical_Mask))
         align |= Qt::AlignVCenter;
     if (!(align & Qt::AlignHorizontal_Mask))
         align |= Qt::AlignLeft;
-    Canvas->drawText(Rect.adjusted(2, 0, -2, 0), int(align) | Qt::TextSingleLine, Text);
+    Canvas->drawText(Rect.adjusted(2, 0, -2, 0), int(align) | (MultiLine ? 0 : Qt::TextSingleLine), Text);
 }
 
 void TCustomDBGrid::PaintTitle(QPainter *painter, const QRect &rect, int viewColumn)
@@ -1949,7 +1970,7 @@ void TCustomDBGrid::DrawTitleCell(QPainter *Canvas, const QRect &Rect, TColumn *
     Canvas->setFont(m_titleFont);
     Canvas->setPen(TColorToQColor(clBtnText));
     const QRect text = Down ? Rect.translated(1, 1) : Rect;
-    DrawCellText(Canvas, text, Column->Title()->Caption(), Column->Title()->Alignment());
+    DrawCellText(Canvas, text, Column->Title()->Caption(), Column->Title()->Alignment(), true);
 }
 
 void TCustomDBGrid::DrawIndicatorCell(QPainter *Canvas, const QRect &Rect, int Row)

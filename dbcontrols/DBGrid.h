@@ -462,8 +462,12 @@ protected:
     void setReselectRow(bool value) { m_reselectRow = value; }
     void InvalidateTitles();
     void InvalidateGrid();
-    // Draws Text in Rect with the painter's font and pen, at Alignment, two pixels in.
-    void DrawCellText(QPainter *Canvas, const QRect &Rect, const QString &Text, Qt::Alignment Alignment) const;
+    // Draws Text in Rect with the painter's font and pen, at Alignment, two pixels in; on one
+    // line unless MultiLine, where its line breaks start new lines.
+    void DrawCellText(QPainter *Canvas, const QRect &Rect, const QString &Text, Qt::Alignment Alignment,
+                      bool MultiLine = false) const;
+    // The most lines a title caption has: the title row is as tall as they need.
+    int TitleLines() const;
     // Runs F; an error it raises goes to the application's handler of control errors
     // (OnControlException; by default a message box), as the edits' errors do.
     void Guard(const std::function<void()> &f);

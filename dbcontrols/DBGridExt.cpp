@@ -552,7 +552,8 @@ void TDBGridExt::DrawTitleCell(QPainter *Canvas, const QRect &Rect, TColumn *Col
         Canvas->fillRect(Rect.adjusted(1, 1, -1, -1), TColorToQColor(background));
         Canvas->setFont(font);
         Canvas->setPen(TColorToQColor(font.Color()));
-        DrawCellText(Canvas, Down ? text.translated(1, 1) : text, Column->Title()->Caption(), Column->Title()->Alignment());
+        DrawCellText(Canvas, Down ? text.translated(1, 1) : text, Column->Title()->Caption(), Column->Title()->Alignment(),
+                     true);
     } else {
         TCustomDBGrid::DrawTitleCell(Canvas, Rect, Column, Down);
         if (direction != 0) {

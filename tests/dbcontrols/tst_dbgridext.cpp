@@ -989,6 +989,48 @@ private slots:
         QCOMPARE(s.ds.State(), dsBrowse);
     }
 
+    // A caption with line breaks is written on several lines; the title row grows to fit it and
+    // shrinks back.
+    void multiLineTitles()
+    {
+        Students s;
+        s.grid.setFixedCols(1);
+        QVERIFY(s.shown());
+        const int id = s.col("ID"), cognome = s.col("COGNOME");
+        const auto title = [&](int column) { return s.grid.CellRect(s.grid.IndicatorOffset() + column, 0); };
+        const auto firstRowTop = [&] { return s.grid.CellRect(s.grid.IndicatorOffset() + cognome, s.grid.TitleOffset()).top(); };
+        const QRect single = title(cognome);
+        const int rowTop = firstRowTop();
+        // The lines of text written in a title: runs of pixel rows with ink on them.
+        const auto textLines = [&](const QRect &r) {
+            const QImage image = s.grid.grab(r.adjusted(2, 2, -2, -2)).toImage();
+            int lines = 0;
+            bool previous = false;
+            for (int y = 0; y < image.height(); ++y) {
+                bool ink = false;
+                for (int x = 0; x < image.width() && !ink; ++x)
+                    ink = image.pixelColor(x, y).lightness() < 100;
+                lines += ink && !previous;
+                previous = ink;
+            }
+            return lines;
+        };
+        QCOMPARE(textLines(single), 1);
+
+        s.grid.Columns()[cognome]->Title()->setCaption(QStringLiteral("COGNOME\nstudente"));
+        const QRect twoLines = title(cognome);
+        QVERIFY(twoLines.height() >= 2 * QFontMetrics(s.grid.TitleFont()).lineSpacing());
+        QCOMPARE(firstRowTop() - rowTop, twoLines.height() - single.height());
+        QCOMPARE(textLines(twoLines), 2);
+        // The fixed column's title keeps in line with the others.
+        QCOMPARE(title(id).height(), twoLines.height());
+        QCOMPARE(s.grid.CellRect(s.grid.IndicatorOffset() + id, s.grid.TitleOffset()).top(), firstRowTop());
+
+        s.grid.Columns()[cognome]->Title()->setCaption(QString());
+        QCOMPARE(title(cognome), single);
+        QCOMPARE(firstRowTop(), rowTop);
+    }
+
     void rowHeight()
     {
         Students s;
