@@ -234,9 +234,14 @@ public:
         viewport()->setMouseTracking(true);
     }
 
+    // QWidget's destructor still lays the headers out, when the grid is no grid any more.
+    void Detach() { m_grid = nullptr; }
+
     QSize sizeHint() const override
     {
         QSize size = QHeaderView::sizeHint();
+        if (!m_grid)
+            return size;
         if (const int lines = m_grid->TitleLines(); lines > 1)
             size.setHeight(std::max(size.height(), QFontMetrics(font()).lineSpacing() * lines + 6));
         return size;
@@ -287,8 +292,12 @@ public:
 
     // The fixed columns' view lies over the rest of the header: QTableView then keeps the
     // scrolling cells to the right of both.
+    void Detach() { m_grid = nullptr; }
+
     QSize sizeHint() const override
     {
+        if (!m_grid)
+            return QHeaderView::sizeHint();
         const int indicator = m_grid->m_options.testFlag(dgIndicator) ? IndicatorWidth : 0;
         return QSize(indicator + m_grid->FixedWidth(), QHeaderView::sizeHint().height());
     }
@@ -754,6 +763,9 @@ TCustomDBGrid::~TCustomDBGrid()
 {
     // QWidget's destructor moves the focus away, when the grid is no grid any more.
     disconnect(m_focusWatch);
+    m_titleBar->Detach();
+    m_indicator->Detach();
+    static_cast<TitleBar *>(m_fixedView->horizontalHeader())->Detach();
     m_link->Detach();
     m_model->setDataSource(nullptr);
     m_columns.m_clearing = true;
