@@ -6,17 +6,22 @@
 #include "DataSetModel.h"
 #include "Exceptions.h"
 #include "Fields.h"
+#include "fm_MessageBox.h"
 #include "Graphics.h"
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDrag>
+#include <QMimeData>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPainter>
 #include <QPainterPath>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <QTimer>
+#include <QToolButton>
 
 #include <algorithm>
 
@@ -25,6 +30,31 @@ namespace mattoni {
 namespace {
 
 constexpr int IndicatorWidth = 12;
+
+// The editor of a cbsEllipsis column: a line edit with a "..." button at its right end.
+class EllipsisEdit : public QLineEdit
+{
+public:
+    explicit EllipsisEdit(QWidget *parent) : QLineEdit(parent), m_button(new QToolButton(this))
+    {
+        m_button->setText(QStringLiteral("..."));
+        m_button->setFocusPolicy(Qt::NoFocus);
+        m_button->setCursor(Qt::ArrowCursor);
+    }
+    QToolButton *Button() const { return m_button; }
+
+protected:
+    void resizeEvent(QResizeEvent *event) override
+    {
+        QLineEdit::resizeEvent(event);
+        const int side = height();
+        m_button->setGeometry(width() - side, 0, side, side);
+        setTextMargins(0, 0, side, 0);
+    }
+
+private:
+    QToolButton *m_button;
+};
 
 void DrawBevel(QPainter *painter, const QRect &rect, bool down)
 {
@@ -169,6 +199,24 @@ public:
         QStyledItemDelegate::destroyEditor(editor, index);
     }
 
+protected:
+    // Ctrl+Enter in an ellipsis column's editor is its button, not the end of the edit: caught
+    // here, before the delegate closes the editor on Enter.
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        if (event->type() == QEvent::KeyPress && object == m_grid->m_editor) {
+            const auto *key = static_cast<QKeyEvent *>(event);
+            const TColumn *column = m_grid->m_columns[m_grid->m_selectedIndex];
+            if ((key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) &&
+                (key->modifiers() & ~Qt::KeypadModifier) == Qt::ControlModifier && column &&
+                column->ButtonStyle() == cbsEllipsis) {
+                m_grid->Guard([this] { m_grid->EditButtonClick(); });
+                return true;
+            }
+        }
+        return QStyledItemDelegate::eventFilter(object, event);
+    }
+
 private:
     TCustomDBGrid *m_grid;
 };
@@ -184,6 +232,19 @@ public:
         setSectionsClickable(false);
         setMouseTracking(true);
         viewport()->setMouseTracking(true);
+    }
+
+    // QWidget's destructor still lays the headers out, when the grid is no grid any more.
+    void Detach() { m_grid = nullptr; }
+
+    QSize sizeHint() const override
+    {
+        QSize size = QHeaderView::sizeHint();
+        if (!m_grid)
+            return size;
+        if (const int lines = m_grid->TitleLines(); lines > 1)
+            size.setHeight(std::max(size.height(), QFontMetrics(font()).lineSpacing() * lines + 6));
+        return size;
     }
 
 protected:
@@ -229,17 +290,73 @@ public:
         setSectionResizeMode(QHeaderView::Fixed);
     }
 
-    QSize sizeHint() const override { return QSize(IndicatorWidth, QHeaderView::sizeHint().height()); }
+    // The fixed columns' view lies over the rest of the header: QTableView then keeps the
+    // scrolling cells to the right of both.
+    void Detach() { m_grid = nullptr; }
+
+    QSize sizeHint() const override
+    {
+        if (!m_grid)
+            return QHeaderView::sizeHint();
+        const int indicator = m_grid->m_options.testFlag(dgIndicator) ? IndicatorWidth : 0;
+        return QSize(indicator + m_grid->FixedWidth(), QHeaderView::sizeHint().height());
+    }
 
 protected:
     void paintSection(QPainter *painter, const QRect &rect, int logicalIndex) const override
     {
-        m_grid->DrawIndicatorCell(painter, rect, logicalIndex);
+        if (m_grid->m_options.testFlag(dgIndicator))
+            m_grid->DrawIndicatorCell(painter, QRect(rect.left(), rect.top(), IndicatorWidth, rect.height()), logicalIndex);
     }
     void mousePressEvent(QMouseEvent *event) override { m_grid->TitleMouse(event, viewport()); }
     void mouseDoubleClickEvent(QMouseEvent *event) override { m_grid->TitleMouse(event, viewport()); }
     void mouseMoveEvent(QMouseEvent *event) override { m_grid->TitleMouse(event, viewport()); }
     void mouseReleaseEvent(QMouseEvent *event) override { m_grid->TitleMouse(event, viewport()); }
+
+private:
+    TCustomDBGrid *m_grid;
+};
+
+// The fixed columns: a view of the same model over the left of the grid, beside the indicator,
+// whose rows follow the grid's. It paints through the grid's delegate and titles, never takes
+// the focus, and hands its mouse events to the grid in grid coordinates.
+class TCustomDBGrid::FixedView : public QTableView
+{
+public:
+    explicit FixedView(TCustomDBGrid *grid) : QTableView(grid), m_grid(grid)
+    {
+        setFrameShape(QFrame::NoFrame);
+        setFocusPolicy(Qt::NoFocus);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setSelectionMode(QAbstractItemView::NoSelection);
+        setEditTriggers(QAbstractItemView::NoEditTriggers);
+        setShowGrid(false);
+        setWordWrap(false);
+        verticalHeader()->hide();
+        verticalHeader()->setMinimumSectionSize(1);
+        verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+        viewport()->setMouseTracking(true);
+        hide();
+    }
+
+    void scrollTo(const QModelIndex &, ScrollHint) override {}
+
+protected:
+    void mousePressEvent(QMouseEvent *event) override
+    {
+        m_grid->TitleMouse(event, viewport());
+        event->accept();
+    }
+    void mouseMoveEvent(QMouseEvent *event) override { m_grid->TitleMouse(event, viewport()); }
+    void mouseReleaseEvent(QMouseEvent *event) override { m_grid->TitleMouse(event, viewport()); }
+    void mouseDoubleClickEvent(QMouseEvent *event) override
+    {
+        m_grid->TitleMouse(event, viewport());
+        if (m_grid->OnDblClick)
+            m_grid->OnDblClick(m_grid);
+    }
+    void wheelEvent(QWheelEvent *event) override { QCoreApplication::sendEvent(m_grid->viewport(), event); }
 
 private:
     TCustomDBGrid *m_grid;
@@ -347,6 +464,14 @@ void TColumn::setAlignment(Qt::Alignment value)
 {
     m_alignment = value;
     m_alignmentSet = true;
+    Changed();
+}
+
+void TColumn::setButtonStyle(TColumnButtonStyle value)
+{
+    if (value == m_buttonStyle)
+        return;
+    m_buttonStyle = value;
     Changed();
 }
 
@@ -581,6 +706,10 @@ TCustomDBGrid::TCustomDBGrid(QWidget *owner)
     : QTableView(owner), m_columns(this), m_selectedRows(this), m_link(std::make_unique<Link>(this))
 {
     m_model = new Model(this);
+    // Connected before the view's selection model is, so that the flag is up when the view
+    // moves its current cell off a row being removed: the dataset's cursor must not follow.
+    connect(m_model, &QAbstractItemModel::rowsAboutToBeRemoved, this, [this] { m_removingRows = true; });
+    connect(m_model, &QAbstractItemModel::rowsRemoved, this, [this] { m_removingRows = false; });
     m_delegate = new Delegate(this);
     m_titleBar = new TitleBar(this);
     m_indicator = new Indicator(this);
@@ -588,13 +717,24 @@ TCustomDBGrid::TCustomDBGrid(QWidget *owner)
     setVerticalHeader(m_indicator);
     setModel(m_model);
     setItemDelegate(m_delegate);
+    // Given the model before the grid connects to it, so that its header has taken in a reset
+    // when the grid lays the columns out again.
+    m_fixedView = new FixedView(this);
+    m_fixedView->setHorizontalHeader(new TitleBar(this));
+    m_fixedView->setModel(m_model);
+    // A delegate of its own: a view hears every editor of its delegate, and this one has none.
+    m_fixedView->setItemDelegate(new Delegate(this));
     setSelectionMode(QAbstractItemView::NoSelection);
     setEditTriggers(QAbstractItemView::AnyKeyPressed | QAbstractItemView::EditKeyPressed);
     setShowGrid(false);
     setWordWrap(false);
     viewport()->setMouseTracking(true);
-    m_titleFont = font();
-    m_titleBar->setFont(m_titleFont);
+    // The grid as a whole takes drags, titles and fixed columns included; its parts do not (a
+    // scroll area passes its own setting on to its viewport), so that a drag going from one to
+    // another stays over the grid. Whether it takes a drop is OnDragOver's to say.
+    setAcceptDrops(true);
+    viewport()->setAcceptDrops(false);
+    SetTitleBarFont(font());
     if (auto *corner = findChild<QAbstractButton *>(QString(), Qt::FindDirectChildrenOnly))
         corner->installEventFilter(this);
 
@@ -611,6 +751,10 @@ TCustomDBGrid::TCustomDBGrid(QWidget *owner)
     m_focusWatch = connect(qApp, &QApplication::focusChanged, this, &TCustomDBGrid::FocusChanged);
     connect(m_titleBar, &QHeaderView::sectionMoved, this, &TCustomDBGrid::SectionMoved);
     connect(m_titleBar, &QHeaderView::sectionResized, this, &TCustomDBGrid::SectionResized);
+    connect(m_fixedView->horizontalHeader(), &QHeaderView::sectionResized, this, &TCustomDBGrid::SectionResized);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, m_fixedView->verticalScrollBar(), &QScrollBar::setValue);
+    connect(m_fixedView->verticalScrollBar(), &QScrollBar::rangeChanged, this,
+            [this] { m_fixedView->verticalScrollBar()->setValue(verticalScrollBar()->value()); });
     ApplyOptions();
     UpdateRowHeight();
 }
@@ -619,6 +763,9 @@ TCustomDBGrid::~TCustomDBGrid()
 {
     // QWidget's destructor moves the focus away, when the grid is no grid any more.
     disconnect(m_focusWatch);
+    m_titleBar->Detach();
+    m_indicator->Detach();
+    static_cast<TitleBar *>(m_fixedView->horizontalHeader())->Detach();
     m_link->Detach();
     m_model->setDataSource(nullptr);
     m_columns.m_clearing = true;
@@ -665,10 +812,12 @@ void TCustomDBGrid::setOptions(TDBGridOptions value)
 void TCustomDBGrid::ApplyOptions()
 {
     m_titleBar->setVisible(m_options.testFlag(dgTitles));
-    m_indicator->setVisible(m_options.testFlag(dgIndicator));
+    m_indicator->setVisible(m_options.testFlag(dgIndicator) || FixedWidth() > 0);
+    m_fixedView->horizontalHeader()->setVisible(m_options.testFlag(dgTitles));
     const bool resize = m_options.testFlag(dgColumnResize);
     m_titleBar->setSectionResizeMode(resize ? QHeaderView::Interactive : QHeaderView::Fixed);
     m_titleBar->setSectionsMovable(resize);
+    m_fixedView->horizontalHeader()->setSectionResizeMode(resize ? QHeaderView::Interactive : QHeaderView::Fixed);
     setTabKeyNavigation(m_options.testFlag(dgTabs));
     if (!m_options.testFlag(dgMultiSelect))
         m_selectedRows.Clear();
@@ -713,15 +862,21 @@ void TCustomDBGrid::setFixedColor(TColor value)
 
 void TCustomDBGrid::setTitleFont(const QFont &value)
 {
-    m_titleFont = value;
     m_titleFontSet = true;
-    m_titleBar->setFont(value);
+    SetTitleBarFont(value);
     InvalidateTitles();
+}
+
+void TCustomDBGrid::SetTitleBarFont(const QFont &font)
+{
+    m_titleFont = font;
+    m_titleBar->setFont(font);
+    m_fixedView->horizontalHeader()->setFont(font);
 }
 
 void TCustomDBGrid::setSelectedIndex(int value)
 {
-    if (value == m_selectedIndex || value < 0 || value >= m_columns.Count())
+    if (value == m_selectedIndex || value < FixedColsInEffect() || value >= m_columns.Count())
         return;
     ColExit();
     m_selectedIndex = value;
@@ -766,6 +921,71 @@ void TCustomDBGrid::UpdateRowHeight()
             ++height;
     }
     m_indicator->setDefaultSectionSize(height);
+    m_fixedView->verticalHeader()->setDefaultSectionSize(height);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Fixed columns
+
+void TCustomDBGrid::setFixedCols(int value)
+{
+    value = std::max(0, value);
+    if (value == m_fixedCols)
+        return;
+    m_fixedCols = value;
+    if (const int first = FixedColsInEffect(); m_selectedIndex < first) {
+        ColExit();
+        m_selectedIndex = first;
+        ColEnter();
+    }
+    ApplyColumnLayout();
+    SyncCurrentIndex();
+    InvalidateTitles();
+}
+
+int TCustomDBGrid::FixedColsInEffect() const
+{
+    return std::clamp(m_fixedCols, 0, std::max(0, m_columns.Count() - 1));
+}
+
+bool TCustomDBGrid::IsFixedColumn(const TColumn *Column) const
+{
+    return Column && Column->Index() < FixedColsInEffect();
+}
+
+// The width the fixed columns shown take.
+int TCustomDBGrid::FixedWidth() const
+{
+    int width = 0;
+    for (int i = 0; i < FixedColsInEffect(); ++i) {
+        const TColumn *column = m_columns[i];
+        if (column->Visible() && ViewColumnOf(column) >= 0)
+            width += column->Width();
+    }
+    return width;
+}
+
+void TCustomDBGrid::updateGeometries()
+{
+    QTableView::updateGeometries();
+    // Also called while QTableView is being set up, before the grid has its parts.
+    if (m_fixedView)
+        PlaceFixedView();
+}
+
+void TCustomDBGrid::PlaceFixedView()
+{
+    const int width = FixedWidth();
+    if (width <= 0) {
+        m_fixedView->hide();
+        return;
+    }
+    const QRect view = viewport()->geometry();
+    const int titles = m_titleBar->isHidden() ? 0 : m_titleBar->height();
+    m_fixedView->horizontalHeader()->setFixedHeight(titles);
+    m_fixedView->setGeometry(view.left() - width, view.top() - titles, width, view.height() + titles);
+    m_fixedView->show();
+    m_fixedView->verticalScrollBar()->setValue(verticalScrollBar()->value());
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -774,9 +994,13 @@ void TCustomDBGrid::UpdateRowHeight()
 TGridCoord TCustomDBGrid::MouseCoord(int X, int Y) const
 {
     const QRect view = viewport()->geometry();
+    const QRect fixed = m_fixedView->isVisible() ? m_fixedView->geometry() : QRect();
     TGridCoord cell;
     if (X >= view.left() && X <= view.right()) {
         if (const TColumn *column = ViewColumn(columnAt(X - view.left())))
+            cell.X = IndicatorOffset() + column->Index();
+    } else if (X >= fixed.left() && X <= fixed.right()) {
+        if (const TColumn *column = ViewColumn(m_fixedView->columnAt(X - fixed.left())))
             cell.X = IndicatorOffset() + column->Index();
     } else if (m_options.testFlag(dgIndicator) && X < view.left() && X >= m_indicator->geometry().left()) {
         cell.X = 0;
@@ -799,9 +1023,15 @@ QRect TCustomDBGrid::CellRect(int ACol, int ARow) const
     int x, width;
     if (ACol == 0 && m_options.testFlag(dgIndicator)) {
         x = m_indicator->geometry().left();
-        width = m_indicator->width();
+        width = m_indicator->width() - FixedWidth();
+    } else if (const TColumn *column = m_columns[ACol - IndicatorOffset()]; IsFixedColumn(column)) {
+        const int vc = ViewColumnOf(column);
+        if (vc < 0 || m_fixedView->isColumnHidden(vc) || m_fixedView->isHidden())
+            return QRect();
+        x = m_fixedView->geometry().left() + m_fixedView->columnViewportPosition(vc);
+        width = m_fixedView->columnWidth(vc);
     } else {
-        const int vc = ViewColumnOf(m_columns[ACol - IndicatorOffset()]);
+        const int vc = ViewColumnOf(column);
         if (vc < 0 || isColumnHidden(vc))
             return QRect();
         x = view.left() + columnViewportPosition(vc);
@@ -847,6 +1077,8 @@ void TCustomDBGrid::ColumnsChanged(bool layout)
         return;
     if (layout)
         UpdateViewColumns();
+    // A caption may have gained or lost a line.
+    updateGeometries();
     InvalidateGrid();
     InvalidateTitles();
 }
@@ -871,6 +1103,7 @@ void TCustomDBGrid::UpdateViewColumns()
     ApplyColumnLayout();
     if (m_selectedIndex >= m_columns.Count())
         m_selectedIndex = std::max(0, m_columns.Count() - 1);
+    m_selectedIndex = std::max(m_selectedIndex, FixedColsInEffect());
 }
 
 void TCustomDBGrid::ApplyColumnLayout()
@@ -879,9 +1112,14 @@ void TCustomDBGrid::ApplyColumnLayout()
     const int count = std::min(int(m_viewColumns.size()), m_model->columnCount());
     for (int vc = 0; vc < count; ++vc) {
         const TColumn *column = m_viewColumns.at(vc);
+        const bool fixed = IsFixedColumn(column);
         setColumnWidth(vc, column->Width());
-        setColumnHidden(vc, !column->Visible());
+        setColumnHidden(vc, !column->Visible() || fixed);
+        m_fixedView->setColumnWidth(vc, column->Width());
+        m_fixedView->setColumnHidden(vc, !column->Visible() || !fixed);
     }
+    m_indicator->setVisible(m_options.testFlag(dgIndicator) || FixedWidth() > 0);
+    updateGeometries();
     m_layingOut = wasLayingOut;
 }
 
@@ -892,6 +1130,9 @@ void TCustomDBGrid::SectionResized(int logical, int, int newSize)
     if (TColumn *column = ViewColumn(logical)) {
         column->m_width = newSize;
         m_titleDragged = true;
+        // The scrolling columns start where the fixed ones now end.
+        if (IsFixedColumn(column))
+            ApplyColumnLayout();
     }
 }
 
@@ -908,7 +1149,10 @@ void TCustomDBGrid::SectionMoved(int logical, int oldVisual, int newVisual)
     m_layingOut = false;
     if (!moved || !target)
         return;
-    const int from = moved->Index(), to = target->Index();
+    // Dropped over the fixed columns (hidden in this header), it stays the first to scroll.
+    const int from = moved->Index(), to = std::max(target->Index(), FixedColsInEffect());
+    if (from == to)
+        return;
     m_columns.Move(from, to);
     if (m_selectedIndex == from)
         m_selectedIndex = to;
@@ -1025,7 +1269,7 @@ void TCustomDBGrid::EnableScroll()
 void TCustomDBGrid::currentChanged(const QModelIndex &current, const QModelIndex &previous)
 {
     QTableView::currentChanged(current, previous);
-    if (m_syncing || !current.isValid())
+    if (m_syncing || m_removingRows || !current.isValid())
         return;
     Guard([&] {
         TDataSet *ds = DataSet();
@@ -1076,6 +1320,12 @@ void TCustomDBGrid::ColumnMoved(int FromIndex, int ToIndex)
         OnColumnMoved(this, FromIndex, ToIndex);
 }
 
+void TCustomDBGrid::EditButtonClick()
+{
+    if (OnEditButtonClick)
+        OnEditButtonClick(this);
+}
+
 bool TCustomDBGrid::ColumnEditable(TColumn *Column) const
 {
     const TField *field = Column->Field();
@@ -1098,7 +1348,14 @@ bool TCustomDBGrid::TitleIsButton(TColumn *) const
 
 QWidget *TCustomDBGrid::CreateEditor(QWidget *parent, TColumn *Column)
 {
-    auto *editor = new QLineEdit(parent);
+    QLineEdit *editor;
+    if (Column->ButtonStyle() == cbsEllipsis) {
+        auto *ellipsis = new EllipsisEdit(parent);
+        connect(ellipsis->Button(), &QToolButton::clicked, this, [this] { Guard([this] { EditButtonClick(); }); });
+        editor = ellipsis;
+    } else {
+        editor = new QLineEdit(parent);
+    }
     editor->setFrame(false);
     if (const TField *field = Column->Field(); field && field->DataType() == ftString && field->Size() > 0)
         editor->setMaxLength(field->Size());
@@ -1136,6 +1393,16 @@ void TCustomDBGrid::KeyDown(int &Key, Qt::KeyboardModifiers Shift)
         if (plain && canModify) {
             ds->Insert();
             Key = 0;
+        }
+        break;
+    case Qt::Key_Delete:
+        // Ctrl+Delete deletes the current record, asking first with dgConfirmDelete; a grid
+        // without dgEditing is one the user does not change, so it deletes nothing either.
+        if ((Shift & ~Qt::KeypadModifier) == Qt::ControlModifier && !m_editor && m_options.testFlag(dgEditing) &&
+            !m_readOnly && !m_link->ReadOnly() && ds->CanModify() && !ds->IsEmpty()) {
+            Key = 0;
+            if (!m_options.testFlag(dgConfirmDelete) || BoxConferma(QStringLiteral("Eliminare il record?")))
+                ds->Delete();
         }
         break;
     case Qt::Key_Escape:
@@ -1358,18 +1625,169 @@ void TCustomDBGrid::TitleMouse(QMouseEvent *event, QWidget *from)
     const QPoint p = from->mapTo(this, event->position().toPoint());
     switch (event->type()) {
     case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseButtonDblClick: {
+        m_dragArmed = false;
         Guard([&] { MouseDown(event->button(), event->modifiers(), p.x(), p.y()); });
+        const TGridCoord cell = MouseCoord(p.x(), p.y());
+        if (m_dragMode == dmAutomatic && event->button() == Qt::LeftButton && cell.X >= IndicatorOffset() &&
+            cell.Y >= TitleOffset() && DataSet()) {
+            m_dragArmed = true;
+            m_dragStart = p;
+            m_dragThreshold = QApplication::startDragDistance();
+        }
         break;
+    }
     case QEvent::MouseMove:
         Guard([&] { MouseMove(event->modifiers(), p.x(), p.y()); });
+        if (m_dragArmed && !(event->buttons() & Qt::LeftButton))
+            m_dragArmed = false;
+        if (m_dragArmed && (p - m_dragStart).manhattanLength() >= m_dragThreshold)
+            StartDrag();
         break;
     case QEvent::MouseButtonRelease:
+        m_dragArmed = false;
         Guard([&] { MouseUp(event->button(), event->modifiers(), p.x(), p.y()); });
         break;
     default:
         break;
     }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Drag and drop
+
+void TCustomDBGrid::BeginDrag(bool Immediate, int Threshold)
+{
+    if (m_dragging)
+        return;
+    if (Immediate) {
+        StartDrag();
+        return;
+    }
+    m_dragArmed = true;
+    m_dragStart = mapFromGlobal(QCursor::pos());
+    m_dragThreshold = Threshold < 0 ? QApplication::startDragDistance() : Threshold;
+}
+
+void TCustomDBGrid::StartDrag()
+{
+    m_dragArmed = false;
+    if (m_dragging)
+        return;
+    auto *data = new QMimeData;
+    Guard([&] {
+        if (const TField *field = SelectedField(); field && CurrentRow() >= 0)
+            data->setText(field->DisplayText());
+        DoStartDrag(data);
+    });
+    auto *drag = new QDrag(this);
+    drag->setMimeData(data);
+    m_dragging = true;
+    const Qt::DropAction action = drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::CopyAction);
+    m_dragging = false;
+    QObject *target = action == Qt::IgnoreAction ? nullptr : drag->target();
+    drag->deleteLater();
+    // A view takes drops on its viewport: the target named is the view, and for the fixed
+    // columns the grid they belong to.
+    auto *widget = qobject_cast<QWidget *>(target);
+    if (auto *area = widget ? qobject_cast<QAbstractScrollArea *>(widget->parentWidget()) : nullptr;
+        area && area->viewport() == widget)
+        widget = area;
+    if (auto *fixed = dynamic_cast<FixedView *>(widget))
+        widget = fixed->parentWidget();
+    QPoint at;
+    if (auto *grid = qobject_cast<TCustomDBGrid *>(widget))
+        at = grid->m_dragPoint;
+    else if (widget)
+        at = widget->mapFromGlobal(QCursor::pos());
+    Guard([&] { DoEndDrag(widget ? widget : target, at.x(), at.y()); });
+}
+
+void TCustomDBGrid::DragEvent(QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::DragEnter:
+    case QEvent::DragMove: {
+        auto *e = static_cast<QDragMoveEvent *>(event);
+        const bool entering = event->type() == QEvent::DragEnter;
+        m_dragPoint = e->position().toPoint();
+        if (entering)
+            m_dragSource = e->source();
+        bool accept = false;
+        Guard([&] { DragOver(e->source(), m_dragPoint.x(), m_dragPoint.y(), entering ? dsDragEnter : dsDragMove, accept); });
+        m_dragAccepted = accept;
+        if (accept) {
+            e->acceptProposedAction();
+        } else {
+            // Refused here: the grid stays the drag's target, so that OnDragOver is asked again
+            // as the drag moves, and a drop here is turned down when it comes.
+            e->setDropAction(Qt::IgnoreAction);
+            e->accept();
+        }
+        break;
+    }
+    case QEvent::DragLeave: {
+        bool accept = false;
+        Guard([&] { DragOver(m_dragSource, m_dragPoint.x(), m_dragPoint.y(), dsDragLeave, accept); });
+        m_dragSource = nullptr;
+        m_dragAccepted = false;
+        break;
+    }
+    case QEvent::Drop: {
+        auto *e = static_cast<QDropEvent *>(event);
+        m_dragPoint = e->position().toPoint();
+        if (!std::exchange(m_dragAccepted, false)) {
+            e->ignore();
+            break;
+        }
+        e->acceptProposedAction();
+        m_dragSource = nullptr;
+        Guard([&] { DragDrop(e->source(), m_dragPoint.x(), m_dragPoint.y()); });
+        break;
+    }
+    default:
+        break;
+    }
+}
+
+// QAbstractScrollArea leaves drag events on its frame unhandled, expecting them on the viewport.
+bool TCustomDBGrid::event(QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::DragLeave:
+    case QEvent::Drop:
+        DragEvent(event);
+        return true;
+    default:
+        return QTableView::event(event);
+    }
+}
+
+void TCustomDBGrid::DoStartDrag(QMimeData *Data)
+{
+    if (OnStartDrag)
+        OnStartDrag(this, Data);
+}
+
+void TCustomDBGrid::DragOver(QObject *Source, int X, int Y, TDragState State, bool &Accept)
+{
+    Accept = bool(OnDragOver);
+    if (OnDragOver)
+        OnDragOver(this, Source, X, Y, State, Accept);
+}
+
+void TCustomDBGrid::DragDrop(QObject *Source, int X, int Y)
+{
+    if (OnDragDrop)
+        OnDragDrop(this, Source, X, Y);
+}
+
+void TCustomDBGrid::DoEndDrag(QObject *Target, int X, int Y)
+{
+    if (OnEndDrag)
+        OnEndDrag(this, Target, X, Y);
 }
 
 void TCustomDBGrid::mousePressEvent(QMouseEvent *event)
@@ -1422,10 +1840,8 @@ void TCustomDBGrid::changeEvent(QEvent *event)
 {
     QTableView::changeEvent(event);
     if (event->type() == QEvent::FontChange) {
-        if (!m_titleFontSet) {
-            m_titleFont = font();
-            m_titleBar->setFont(m_titleFont);
-        }
+        if (!m_titleFontSet)
+            SetTitleBarFont(font());
         UpdateRowHeight();
     }
 }
@@ -1459,8 +1875,11 @@ void TCustomDBGrid::PaintCell(QPainter *painter, const QRect &rect, const QModel
     if (!column || !ds || index.row() >= ds->RowCount())
         return;
     const int row = index.row();
+    const bool fixed = IsFixedColumn(column);
     TGridDrawState state;
-    if (row == ds->CurrentRow() && (m_options.testFlag(dgRowSelect) || column->Index() == m_selectedIndex)) {
+    if (fixed) {
+        state = gdFixed;
+    } else if (row == ds->CurrentRow() && (m_options.testFlag(dgRowSelect) || column->Index() == m_selectedIndex)) {
         state |= gdSelected;
         if (FocusWithin())
             state |= gdFocused;
@@ -1471,13 +1890,18 @@ void TCustomDBGrid::PaintCell(QPainter *painter, const QRect &rect, const QModel
         // The fields read the drawn row while it is drawn, as handlers of the events expect.
         TRecordScope scope(ds, row);
         TFont font = column->Font();
-        TColor background = column->Color();
-        CellColors(column, font, background, HighlightCell(column->Index(), row));
+        TColor background = m_fixedColor;
+        if (!fixed) {
+            background = column->Color();
+            CellColors(column, font, background, HighlightCell(column->Index(), row));
+        }
         painter->setBrush(TColorToQColor(background));
         painter->setPen(TColorToQColor(font.Color()));
         painter->setFont(font);
         if (m_defaultDrawing)
             DefaultDrawColumnCell(painter, rect, column->Index(), column, state);
+        if (m_columns.State() == csDefault)
+            DrawDataCell(painter, rect, column->Field(), state);
         DrawColumnCell(painter, rect, column->Index(), column, state);
     } catch (const Exception &) {
         // A value that cannot be shown would fail again at every repaint: the cell stays blank.
@@ -1513,14 +1937,31 @@ void TCustomDBGrid::DrawColumnCell(QPainter *Canvas, const QRect &Rect, int Data
         OnDrawColumnCell(this, Canvas, Rect, DataCol, Column, State);
 }
 
-void TCustomDBGrid::DrawCellText(QPainter *Canvas, const QRect &Rect, const QString &Text, Qt::Alignment Alignment) const
+void TCustomDBGrid::DrawDataCell(QPainter *Canvas, const QRect &Rect, TField *Field, TGridDrawState State)
+{
+    if (OnDrawDataCell)
+        OnDrawDataCell(this, Canvas, Rect, Field, State);
+}
+
+int TCustomDBGrid::TitleLines() const
+{
+    int lines = 1;
+    for (const TColumn *column : m_columns) {
+        if (column->Visible())
+            lines = std::max(lines, int(column->Title()->Caption().count(QLatin1Char('\n'))) + 1);
+    }
+    return lines;
+}
+
+void TCustomDBGrid::DrawCellText(QPainter *Canvas, const QRect &Rect, const QString &Text, Qt::Alignment Alignment,
+                                 bool MultiLine) const
 {
     Qt::Alignment align = Alignment;
     if (!(align & Qt::AlignVertical_Mask))
         align |= Qt::AlignVCenter;
     if (!(align & Qt::AlignHorizontal_Mask))
         align |= Qt::AlignLeft;
-    Canvas->drawText(Rect.adjusted(2, 0, -2, 0), int(align) | Qt::TextSingleLine, Text);
+    Canvas->drawText(Rect.adjusted(2, 0, -2, 0), int(align) | (MultiLine ? 0 : Qt::TextSingleLine), Text);
 }
 
 void TCustomDBGrid::PaintTitle(QPainter *painter, const QRect &rect, int viewColumn)
@@ -1541,7 +1982,7 @@ void TCustomDBGrid::DrawTitleCell(QPainter *Canvas, const QRect &Rect, TColumn *
     Canvas->setFont(m_titleFont);
     Canvas->setPen(TColorToQColor(clBtnText));
     const QRect text = Down ? Rect.translated(1, 1) : Rect;
-    DrawCellText(Canvas, text, Column->Title()->Caption(), Column->Title()->Alignment());
+    DrawCellText(Canvas, text, Column->Title()->Caption(), Column->Title()->Alignment(), true);
 }
 
 void TCustomDBGrid::DrawIndicatorCell(QPainter *Canvas, const QRect &Rect, int Row)
@@ -1587,12 +2028,14 @@ void TCustomDBGrid::DrawIndicatorCell(QPainter *Canvas, const QRect &Rect, int R
 void TCustomDBGrid::InvalidateTitles()
 {
     m_titleBar->viewport()->update();
+    m_fixedView->horizontalHeader()->viewport()->update();
 }
 
 void TCustomDBGrid::InvalidateGrid()
 {
     viewport()->update();
     m_indicator->viewport()->update();
+    m_fixedView->viewport()->update();
 }
 
 } // namespace mattoni

@@ -20,6 +20,8 @@
 #include <QSet>
 #include <QTableView>
 
+class QMimeData;
+
 #include <functional>
 #include <memory>
 
@@ -45,8 +47,9 @@ public:
         dgTabs = 0x80,
         dgRowSelect = 0x100,
         dgAlwaysShowSelection = 0x200,
-        dgCancelOnExit = 0x400,
-        dgMultiSelect = 0x800,
+        dgConfirmDelete = 0x400,
+        dgCancelOnExit = 0x800,
+        dgMultiSelect = 0x1000,
     };
     Q_DECLARE_FLAGS(TDBGridOptions, TDBGridOption)
     Q_FLAG(TDBGridOptions)
@@ -57,6 +60,19 @@ public:
 
     enum TDBGridColumnsState { csDefault, csCustomized };
     Q_ENUM(TDBGridColumnsState)
+
+    // The button of a column's in-place editor: cbsAuto a drop-down list where the column
+    // offers values, cbsEllipsis a "..." button that fires OnEditButtonClick, cbsNone none.
+    enum TColumnButtonStyle { cbsAuto, cbsEllipsis, cbsNone };
+    Q_ENUM(TColumnButtonStyle)
+
+    // dmAutomatic: dragging a data cell with the left button drags its record; dmManual: drags
+    // start only through BeginDrag.
+    enum TDragMode { dmManual, dmAutomatic };
+    Q_ENUM(TDragMode)
+    // Why OnDragOver is called: a drag came in, moves over the grid, or went away.
+    enum TDragState { dsDragEnter, dsDragLeave, dsDragMove };
+    Q_ENUM(TDragState)
 };
 using TDBGridOption = DBGridTypes::TDBGridOption;
 using TDBGridOptions = DBGridTypes::TDBGridOptions;
@@ -65,12 +81,19 @@ using TGridDrawState = DBGridTypes::TGridDrawState;
 using enum DBGridTypes::TGridDrawStateFlag;
 using TDBGridColumnsState = DBGridTypes::TDBGridColumnsState;
 using enum DBGridTypes::TDBGridColumnsState;
+using TColumnButtonStyle = DBGridTypes::TColumnButtonStyle;
+using enum DBGridTypes::TColumnButtonStyle;
+using TDragMode = DBGridTypes::TDragMode;
+using enum DBGridTypes::TDragMode;
+using TDragState = DBGridTypes::TDragState;
+using enum DBGridTypes::TDragState;
 
 // What a new grid has: editing, titles, indicator, resizable columns, lines, Tab between
-// columns, and an untouched new record dropped when the focus leaves.
+// columns, a question before Ctrl+Delete deletes, and an untouched new record dropped when the
+// focus leaves.
 inline constexpr TDBGridOptions DefaultDBGridOptions = TDBGridOptions(dgEditing) | dgTitles | dgIndicator |
                                                       dgColumnResize | dgColLines | dgRowLines | dgTabs |
-                                                      dgCancelOnExit;
+                                                      dgConfirmDelete | dgCancelOnExit;
 
 // A font with its colour, as cell colouring handlers receive it.
 class MATTONI_WIDGETS_EXPORT TFont : public QFont
@@ -123,6 +146,7 @@ class MATTONI_WIDGETS_EXPORT TColumn : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(Qt::Alignment Alignment READ Alignment WRITE setAlignment)
+    Q_PROPERTY(mattoni::DBGridTypes::TColumnButtonStyle ButtonStyle READ ButtonStyle WRITE setButtonStyle)
     Q_PROPERTY(mattoni::TColor Color READ Color WRITE setColor)
     Q_PROPERTY(QString FieldName READ FieldName WRITE setFieldName)
     Q_PROPERTY(bool ReadOnly READ ReadOnly WRITE setReadOnly)
@@ -148,6 +172,8 @@ public:
     // The alignment set, else the field's.
     Qt::Alignment Alignment() const;
     void setAlignment(Qt::Alignment value);
+    TColumnButtonStyle ButtonStyle() const { return m_buttonStyle; }
+    void setButtonStyle(TColumnButtonStyle value);
     // The cells' background (clWindow unless set).
     TColor Color() const { return m_color; }
     void setColor(TColor value);
@@ -181,6 +207,7 @@ private:
     mutable QPointer<TField> m_field;
     Qt::Alignment m_alignment;
     bool m_alignmentSet = false;
+    TColumnButtonStyle m_buttonStyle = cbsAuto;
     TColor m_color = clWindow;
     TFont m_font;
     bool m_readOnly = false;
@@ -263,6 +290,7 @@ class MATTONI_WIDGETS_EXPORT TCustomDBGrid : public QTableView
     Q_PROPERTY(mattoni::TColor Color READ Color WRITE setColor)
     Q_PROPERTY(mattoni::TDataSource *DataSource READ DataSource WRITE setDataSource)
     Q_PROPERTY(bool DefaultDrawing READ DefaultDrawing WRITE setDefaultDrawing)
+    Q_PROPERTY(mattoni::DBGridTypes::TDragMode DragMode READ DragMode WRITE setDragMode)
     Q_PROPERTY(mattoni::TColor FixedColor READ FixedColor WRITE setFixedColor)
     Q_PROPERTY(mattoni::DBGridTypes::TDBGridOptions Options READ Options WRITE setOptions)
     Q_PROPERTY(bool ReadOnly READ ReadOnly WRITE setReadOnly)
@@ -276,11 +304,20 @@ public:
     using TMovedEvent = std::function<void(QObject *Sender, int FromIndex, int ToIndex)>;
     using TDrawColumnCellEvent = std::function<void(QObject *Sender, QPainter *Canvas, const QRect &Rect,
                                                     int DataCol, TColumn *Column, TGridDrawState State)>;
+    using TDrawDataCellEvent = std::function<void(QObject *Sender, QPainter *Canvas, const QRect &Rect, TField *Field,
+                                                  TGridDrawState State)>;
     using TKeyEvent = std::function<void(QObject *Sender, int &Key, Qt::KeyboardModifiers Shift)>;
     using TKeyPressEvent = std::function<void(QObject *Sender, QChar &Key)>;
     using TMouseEvent = std::function<void(QObject *Sender, Qt::MouseButton Button, Qt::KeyboardModifiers Shift,
                                            int X, int Y)>;
     using TMouseMoveEvent = std::function<void(QObject *Sender, Qt::KeyboardModifiers Shift, int X, int Y)>;
+    // Data is what the drag carries (the current cell's text when the handler is called); the
+    // handler may add to it or replace it.
+    using TStartDragEvent = std::function<void(QObject *Sender, QMimeData *Data)>;
+    using TDragOverEvent = std::function<void(QObject *Sender, QObject *Source, int X, int Y, TDragState State,
+                                              bool &Accept)>;
+    using TDragDropEvent = std::function<void(QObject *Sender, QObject *Source, int X, int Y)>;
+    using TEndDragEvent = std::function<void(QObject *Sender, QObject *Target, int X, int Y)>;
 
     explicit TCustomDBGrid(QWidget *owner = nullptr);
     ~TCustomDBGrid() override;
@@ -305,6 +342,14 @@ public:
     void setTitleFont(const QFont &value);
     bool DefaultDrawing() const { return m_defaultDrawing; }
     void setDefaultDrawing(bool value) { m_defaultDrawing = value; }
+    TDragMode DragMode() const { return m_dragMode; }
+    void setDragMode(TDragMode value) { m_dragMode = value; }
+
+    // Drags the current record: at once when Immediate, else once the mouse has moved Threshold
+    // pixels (-1: the desktop's start-drag distance) with a button held. Returns when the drag is
+    // over (or, not immediate, at once).
+    void BeginDrag(bool Immediate, int Threshold = -1);
+    bool Dragging() const { return m_dragging; }
 
     // The current column, by its index in Columns.
     int SelectedIndex() const { return m_selectedIndex; }
@@ -332,14 +377,28 @@ public:
     TNotifyEvent OnColEnter;
     TNotifyEvent OnColExit;
     TNotifyEvent OnDblClick;
+    // The "..." button of a cbsEllipsis column's editor was clicked, or Ctrl+Enter typed in it.
+    TNotifyEvent OnEditButtonClick;
     TMovedEvent OnColumnMoved;
     TDrawColumnCellEvent OnDrawColumnCell;
+    // The older per-cell event, by field: fired only while the columns are the default ones,
+    // before OnDrawColumnCell.
+    TDrawDataCellEvent OnDrawDataCell;
     TKeyEvent OnKeyDown;
     TKeyPressEvent OnKeyPress;
     TKeyEvent OnKeyUp;
     TMouseEvent OnMouseDown;
     TMouseEvent OnMouseUp;
     TMouseMoveEvent OnMouseMove;
+    TStartDragEvent OnStartDrag;
+    // A drag over the grid: Source is the widget it started from (nullptr from another
+    // application). Accept starts true when there is a handler, and the drop is allowed while it
+    // stays so; without a handler the grid takes no drops.
+    TDragOverEvent OnDragOver;
+    TDragDropEvent OnDragDrop;
+    // The drag started here ended: Target is the widget that took the drop (nullptr when none did),
+    // X and Y the drop point in its coordinates.
+    TEndDragEvent OnEndDrag;
 
 protected:
     // The column class of the grid; descendants return their own.
@@ -349,12 +408,17 @@ protected:
     virtual void ColEnter();
     virtual void ColExit();
     virtual void ColumnMoved(int FromIndex, int ToIndex);
+    virtual void EditButtonClick();
     virtual void KeyDown(int &Key, Qt::KeyboardModifiers Shift);
     virtual void KeyPress(QChar &Key);
     virtual void KeyUp(int &Key, Qt::KeyboardModifiers Shift);
     virtual void MouseDown(Qt::MouseButton Button, Qt::KeyboardModifiers Shift, int X, int Y);
     virtual void MouseMove(Qt::KeyboardModifiers Shift, int X, int Y);
     virtual void MouseUp(Qt::MouseButton Button, Qt::KeyboardModifiers Shift, int X, int Y);
+    virtual void DoStartDrag(QMimeData *Data);
+    virtual void DragOver(QObject *Source, int X, int Y, TDragState State, bool &Accept);
+    virtual void DragDrop(QObject *Source, int X, int Y);
+    virtual void DoEndDrag(QObject *Target, int X, int Y);
     // Whether the in-place editor may open on the current cell.
     virtual bool CanEditShow() const;
     // Whether the current cell's editor may open at all.
@@ -364,9 +428,12 @@ protected:
     // Fires OnDrawColumnCell; called for every data cell after the default drawing.
     virtual void DrawColumnCell(QPainter *Canvas, const QRect &Rect, int DataCol, TColumn *Column,
                                 TGridDrawState State);
+    // Fires OnDrawDataCell; called for every data cell while the columns are the default ones.
+    virtual void DrawDataCell(QPainter *Canvas, const QRect &Rect, TField *Field, TGridDrawState State);
     virtual void DrawTitleCell(QPainter *Canvas, const QRect &Rect, TColumn *Column, bool Down);
     virtual void DrawIndicatorCell(QPainter *Canvas, const QRect &Rect, int Row);
-    // The editor for the current cell, a line edit unless a descendant gives another.
+    // The editor for the current cell, a line edit (with a "..." button in a cbsEllipsis column)
+    // unless a descendant gives another.
     virtual QWidget *CreateEditor(QWidget *parent, TColumn *Column);
     // The dataset opened or closed, or the data source changed.
     virtual void LinkActive(bool Value);
@@ -395,12 +462,24 @@ protected:
     void setReselectRow(bool value) { m_reselectRow = value; }
     void InvalidateTitles();
     void InvalidateGrid();
-    // Draws Text in Rect with the painter's font and pen, at Alignment, two pixels in.
-    void DrawCellText(QPainter *Canvas, const QRect &Rect, const QString &Text, Qt::Alignment Alignment) const;
+    // Draws Text in Rect with the painter's font and pen, at Alignment, two pixels in; on one
+    // line unless MultiLine, where its line breaks start new lines.
+    void DrawCellText(QPainter *Canvas, const QRect &Rect, const QString &Text, Qt::Alignment Alignment,
+                      bool MultiLine = false) const;
+    // The most lines a title caption has: the title row is as tall as they need.
+    int TitleLines() const;
     // Runs F; an error it raises goes to the application's handler of control errors
     // (OnControlException; by default a message box), as the edits' errors do.
     void Guard(const std::function<void()> &f);
     void ShowError(const QString &message);
+
+    // The leftmost FixedCols columns stay in place while the others scroll sideways; they are
+    // drawn in FixedColor and the cursor never enters them. At least one column always scrolls.
+    int FixedCols() const { return m_fixedCols; }
+    void setFixedCols(int value);
+    // The columns fixed now: FixedCols, less when there are not enough columns.
+    int FixedColsInEffect() const;
+    bool IsFixedColumn(const TColumn *Column) const;
 
     // While disabled, the grid does not follow the dataset's cursor; it catches up when scroll
     // handling resumes.
@@ -417,11 +496,13 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
+    bool event(QEvent *event) override;
     void changeEvent(QEvent *event) override;
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
     // Typing does not jump to a row: it edits the current cell.
     void keyboardSearch(const QString &) override {}
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void updateGeometries() override;
 
 private:
     class Link;
@@ -429,11 +510,13 @@ private:
     class Delegate;
     class TitleBar;
     class Indicator;
+    class FixedView;
     friend class Link;
     friend class Model;
     friend class Delegate;
     friend class TitleBar;
     friend class Indicator;
+    friend class FixedView;
     friend class TColumn;
     friend class TColumnTitle;
     friend class TDBGridColumns;
@@ -461,6 +544,11 @@ private:
     bool FocusWithin() const;
     void FocusChanged(QWidget *old, QWidget *now);
     void UpdateRowHeight();
+    int FixedWidth() const;
+    void PlaceFixedView();
+    void SetTitleBarFont(const QFont &font);
+    void DragEvent(QEvent *event);
+    void StartDrag();
     int CurrentRow() const;
 
     TDBGridColumns m_columns;
@@ -470,6 +558,7 @@ private:
     Delegate *m_delegate;
     TitleBar *m_titleBar;
     Indicator *m_indicator;
+    FixedView *m_fixedView = nullptr;
     QList<TColumn *> m_viewColumns;
     QPointer<QWidget> m_editor;
     QMetaObject::Connection m_focusWatch;
@@ -482,10 +571,12 @@ private:
     bool m_titleFontSet = false;
     bool m_defaultDrawing = true;
     int m_selectedIndex = 0;
+    int m_fixedCols = 0;
     int m_rowHeight = 0;
     int m_drawingRow = -1;
     int m_scrollLock = 0;
     bool m_syncing = false;
+    bool m_removingRows = false;
     bool m_layingOut = false;
     bool m_reselectRow = false;
     bool m_forwardingKey = false;
@@ -495,6 +586,17 @@ private:
     TGridCoord m_pressCell;
     int m_pressedTitle = -1;
     bool m_titleDragged = false;
+
+    TDragMode m_dragMode = dmManual;
+    bool m_dragging = false;
+    // A drag waiting for the mouse to travel DragThreshold from DragStart.
+    bool m_dragArmed = false;
+    QPoint m_dragStart;
+    int m_dragThreshold = 0;
+    // The drag over the grid: where it came from, and whether OnDragOver accepted it last.
+    QPointer<QObject> m_dragSource;
+    bool m_dragAccepted = false;
+    QPoint m_dragPoint;
 };
 
 } // namespace mattoni

@@ -552,7 +552,8 @@ void TDBGridExt::DrawTitleCell(QPainter *Canvas, const QRect &Rect, TColumn *Col
         Canvas->fillRect(Rect.adjusted(1, 1, -1, -1), TColorToQColor(background));
         Canvas->setFont(font);
         Canvas->setPen(TColorToQColor(font.Color()));
-        DrawCellText(Canvas, Down ? text.translated(1, 1) : text, Column->Title()->Caption(), Column->Title()->Alignment());
+        DrawCellText(Canvas, Down ? text.translated(1, 1) : text, Column->Title()->Caption(), Column->Title()->Alignment(),
+                     true);
     } else {
         TCustomDBGrid::DrawTitleCell(Canvas, Rect, Column, Down);
         if (direction != 0) {
@@ -676,7 +677,7 @@ void TDBGridExt::KeyPress(QChar &Key)
 QWidget *TDBGridExt::CreateEditor(QWidget *parent, TColumn *Column)
 {
     auto *column = qobject_cast<TEnhancedColumn *>(Column);
-    if (!column || column->Values().isEmpty())
+    if (!column || column->Values().isEmpty() || column->ButtonStyle() != cbsAuto)
         return TCustomDBGrid::CreateEditor(parent, Column);
     auto *combo = new QComboBox(parent);
     combo->setEditable(true);
@@ -779,7 +780,8 @@ void TDBGridExt::AutoSizeColumns()
     QList<TEnhancedColumn *> sharing;
     int fixed = 0;
     for (TColumn *column : Columns()) {
-        if (!column->Visible() || !column->Field())
+        // Fixed columns stand outside the scrolling width being shared.
+        if (!column->Visible() || !column->Field() || IsFixedColumn(column))
             continue;
         auto *c = qobject_cast<TEnhancedColumn *>(column);
         if (c && c->AutoResize())

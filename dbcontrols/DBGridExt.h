@@ -64,7 +64,7 @@ public:
     void setValueChecked(const QString &value);
     QString ValueUnchecked() const { return m_valueUnchecked; }
     void setValueUnchecked(const QString &value);
-    // The values offered by the in-place editor's drop-down list.
+    // The values offered by the in-place editor's drop-down list (with ButtonStyle cbsAuto).
     QStringList Values() const { return m_values; }
     void setValues(const QStringList &value) { m_values = value; }
     // The widest the column grows to when the grid shares out its width; 0: its DefaultWidth.
@@ -105,6 +105,7 @@ class MATTONI_WIDGETS_EXPORT TDBGridExt : public TCustomDBGrid
     Q_PROPERTY(bool TitleSort READ TitleSort WRITE setTitleSort)
     Q_PROPERTY(bool ShowMemo READ ShowMemo WRITE setShowMemo)
     Q_PROPERTY(bool ShowImage READ ShowImage WRITE setShowImage)
+    Q_PROPERTY(int FixedCols READ FixedCols WRITE setFixedCols)
     Q_PROPERTY(mattoni::DBGridExtTypes::TVertAlignment VertAlignment READ VertAlignment WRITE setVertAlignment)
 
 public:
@@ -166,6 +167,8 @@ public:
     // The titles and the selected rows as tab-separated lines, blob columns left out.
     void CopyToClipboard();
 
+    using TCustomDBGrid::FixedCols;
+    using TCustomDBGrid::setFixedCols;
     using TCustomDBGrid::DisableScroll;
     using TCustomDBGrid::EnableScroll;
     using TCustomDBGrid::ScrollDisabled;

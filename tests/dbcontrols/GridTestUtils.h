@@ -19,13 +19,22 @@ namespace gridtest {
 
 using namespace mattoni;
 
+// The widget showing a point of the grid: Scrolling (the titles' or the cells' viewport) unless the
+// point lies elsewhere, as the fixed columns do.
+inline QWidget *WidgetAt(TCustomDBGrid &grid, QWidget *scrolling, const QPoint &at)
+{
+    if (QRect(scrolling->mapTo(&grid, QPoint(0, 0)), scrolling->size()).contains(at))
+        return scrolling;
+    return grid.childAt(at);
+}
+
 // A title cell of the grid, by the column's index, clicked where it shows.
 inline void ClickTitle(TCustomDBGrid &grid, int column, Qt::KeyboardModifiers modifiers = {},
                        Qt::MouseButton button = Qt::LeftButton)
 {
     const QRect cell = grid.CellRect(grid.IndicatorOffset() + column, 0);
     QVERIFY2(cell.isValid(), "title not in view");
-    QWidget *header = grid.horizontalHeader()->viewport();
+    QWidget *header = WidgetAt(grid, grid.horizontalHeader()->viewport(), cell.center());
     QTest::mouseClick(header, button, modifiers, header->mapFrom(&grid, cell.center()));
 }
 
@@ -34,7 +43,8 @@ inline void ClickCell(TCustomDBGrid &grid, int row, int column, Qt::KeyboardModi
 {
     const QRect cell = grid.CellRect(grid.IndicatorOffset() + column, grid.TitleOffset() + row);
     QVERIFY2(cell.isValid(), "cell not in view");
-    QTest::mouseClick(grid.viewport(), Qt::LeftButton, modifiers, grid.viewport()->mapFrom(&grid, cell.center()));
+    QWidget *view = WidgetAt(grid, grid.viewport(), cell.center());
+    QTest::mouseClick(view, Qt::LeftButton, modifiers, view->mapFrom(&grid, cell.center()));
 }
 
 // One field over the dataset in its current order, joined by ",".

@@ -7,14 +7,20 @@
 #include "Exceptions.h"
 #include "FormatSettings.h"
 #include "Graphics.h"
+#include "fm_MessageBox.h"
 #include "GridTestUtils.h"
 
 #include <QClipboard>
 #include <QComboBox>
+#include <QDrag>
 #include <QLineEdit>
+#include <QMimeData>
+#include <QPainter>
+#include <QScrollBar>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTemporaryDir>
+#include <QToolButton>
 
 #include <memory>
 
@@ -629,6 +635,400 @@ private slots:
         combo->setCurrentIndex(1);
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
         QTRY_COMPARE(s.ds.FieldByName(QStringLiteral("CITTA"))->AsString(), QStringLiteral("Napoli"));
+    }
+
+    // The fixed columns stay where they are while the others scroll, are painted in FixedColor,
+    // and neither keys nor clicks put the cursor in them.
+    void fixedColumns()
+    {
+        Students s;
+        for (int i = 7; i <= 60; ++i)
+            s.ds.AppendRecord({i, QStringLiteral("C%1").arg(i), "n", "Roma", "S", i});
+        s.ds.First();
+        s.grid.resize(420, 260);
+        s.grid.setFixedCols(2);
+        QVERIFY(s.shown());
+        const int id = s.col("ID"), cognome = s.col("COGNOME"), nome = s.col("NOME"), last = s.grid.Columns().Count() - 1;
+        QCOMPARE(s.grid.SelectedIndex(), nome);
+        const auto cellAt = [&](int row, int column) {
+            return s.grid.CellRect(s.grid.IndicatorOffset() + column, s.grid.TitleOffset() + row);
+        };
+        // The record shown at a point of the screen, as the view under it finds it.
+        const auto rowAt = [&](const QPoint &at) {
+            QWidget *under = s.grid.childAt(at);
+            auto *view = under ? qobject_cast<QTableView *>(under->parentWidget()) : nullptr;
+            return view ? view->indexAt(under->mapFrom(&s.grid, at)).row() : -2;
+        };
+        const QRect idCell = cellAt(0, id), cognomeCell = cellAt(0, cognome);
+        QCOMPARE(idCell.left(), s.grid.CellRect(0, 0).right() + 1);
+        QCOMPARE(cellAt(0, nome).left(), cognomeCell.right() + 1);
+        const QRect fixedArea(idCell.left(), 0, cognomeCell.right() - idCell.left() + 1, cellAt(3, id).bottom());
+        const QImage before = s.grid.grab(fixedArea).toImage();
+        QCOMPARE(s.background(1, "COGNOME"), TColorToQColor(clBtnFace));
+
+        for (int i = 0; i < last + 3; ++i)
+            QTest::keyClick(&s.grid, Qt::Key_Right);
+        QCOMPARE(s.grid.SelectedIndex(), last);
+        QVERIFY(s.grid.horizontalScrollBar()->value() > 0);
+        QVERIFY(cellAt(0, nome).left() < cognomeCell.right());
+        QCOMPARE(cellAt(0, id), idCell);
+        QCOMPARE(cellAt(0, cognome), cognomeCell);
+        QCOMPARE(s.grid.MouseCoord(cognomeCell.center().x(), cognomeCell.center().y()),
+                 TGridCoord({s.grid.IndicatorOffset() + cognome, s.grid.TitleOffset()}));
+        QCOMPARE(s.grid.grab(fixedArea).toImage(), before);
+
+        for (int i = 0; i < last + 3; ++i)
+            QTest::keyClick(&s.grid, Qt::Key_Left);
+        QCOMPARE(s.grid.SelectedIndex(), nome);
+        QTest::keyClick(&s.grid, Qt::Key_Home);
+        QCOMPARE(s.grid.SelectedIndex(), nome);
+
+        // Scrolling down, the fixed cells stay beside their rows.
+        for (int i = 0; i < 45; ++i)
+            QTest::keyClick(&s.grid, Qt::Key_Down);
+        QCOMPARE(s.ds.RecNo(), 46);
+        QVERIFY(s.grid.verticalScrollBar()->value() > 0);
+        QCOMPARE(rowAt(cellAt(45, cognome).center()), 45);
+        QCOMPARE(rowAt(cellAt(45, nome).center()), 45);
+
+        // A click on a fixed cell goes to its record and leaves the column as it was.
+        TColumn *clicked = nullptr;
+        s.grid.OnCellClick = [&](TColumn *c) { clicked = c; };
+        ClickCell(s.grid, 43, cognome);
+        QCOMPARE(s.ds.RecNo(), 44);
+        QCOMPARE(clicked, s.grid.Columns()[cognome]);
+        QCOMPARE(s.grid.SelectedIndex(), nome);
+        ClickCell(s.grid, 43, cognome);
+        QVERIFY(!s.grid.findChild<QLineEdit *>());
+
+        // Their titles sort like the others.
+        s.grid.setTitleSort(true);
+        ClickTitle(s.grid, cognome);
+        QVERIFY(Rows(s.ds, QStringLiteral("ID")).startsWith(QLatin1String("4,1,6,10,11,")));
+        QCOMPARE(s.grid.SelectedIndex(), nome);
+
+        // A wider fixed column pushes the scrolling ones right.
+        s.grid.Columns()[id]->setWidth(idCell.width() + 30);
+        QCOMPARE(cellAt(0, cognome).left(), idCell.left() + idCell.width() + 30);
+        QTest::keyClick(&s.grid, Qt::Key_Home);
+        QCOMPARE(cellAt(0, nome).left(), cellAt(0, cognome).right() + 1);
+
+        // Without the indicator the fixed columns start at the grid's edge.
+        s.grid.setOptions(s.grid.Options() & ~TDBGridOptions(dgIndicator));
+        QCOMPARE(cellAt(0, id).left(), s.grid.frameWidth());
+        QCOMPARE(cellAt(0, nome).left(), cellAt(0, cognome).right() + 1);
+
+        // At least one column scrolls; none fixed, the first column is at the left again.
+        s.grid.setFixedCols(50);
+        QCOMPARE(s.grid.FixedCols(), 50);
+        QCOMPARE(s.grid.SelectedIndex(), last);
+        s.grid.setFixedCols(0);
+        QTest::keyClick(&s.grid, Qt::Key_Home);
+        QCOMPARE(s.grid.SelectedIndex(), id);
+        QCOMPARE(cellAt(0, id).left(), s.grid.viewport()->geometry().left());
+    }
+
+    // Both drawing events paint on the cell being drawn, the older one first and only while the
+    // columns are the default ones.
+    void drawEvents()
+    {
+        Students s;
+        QVERIFY(s.shown());
+        ClickCell(s.grid, 1, s.col("NOME"));
+        QStringList order;
+        QRect dataRect;
+        TGridDrawState dataState;
+        s.grid.OnDrawDataCell = [&](QObject *sender, QPainter *canvas, const QRect &rect, TField *field,
+                                    TGridDrawState state) {
+            QCOMPARE(sender, &s.grid);
+            if (field->FieldName() != QLatin1String("CITTA") && field->FieldName() != QLatin1String("NOME"))
+                return;
+            order.append(QStringLiteral("data:") + field->FieldName() + QLatin1Char(':') + field->AsString());
+            if (field->FieldName() == QLatin1String("CITTA") && field->AsString() == QLatin1String("Milano") &&
+                s.ds.FieldByName(QStringLiteral("ID"))->AsInteger() == 2) {
+                dataRect = rect;
+                canvas->fillRect(rect, Qt::red);
+            }
+            if (field->FieldName() == QLatin1String("NOME") && field->AsString() == QLatin1String("Anna"))
+                dataState = state;
+        };
+        s.grid.OnDrawColumnCell = [&](QObject *, QPainter *, const QRect &, int dataCol, TColumn *column, TGridDrawState) {
+            if (column->FieldName() == QLatin1String("CITTA") && dataCol == s.col("CITTA"))
+                order.append(QStringLiteral("column:") + column->Field()->AsString());
+        };
+        const QImage image = s.grid.grab().toImage();
+        QCOMPARE(order.mid(0, 4), QStringList({"data:NOME:mario", "data:CITTA:Roma", "column:Roma", "data:NOME:Anna"}));
+        const QRect cell = s.grid.CellRect(s.grid.IndicatorOffset() + s.col("CITTA"), s.grid.TitleOffset() + 1);
+        QCOMPARE(dataRect.translated(s.grid.viewport()->pos()), cell);
+        QCOMPARE(image.pixelColor(cell.center()), QColor(Qt::red));
+        QCOMPARE(dataState, TGridDrawState(gdSelected | gdFocused));
+
+        // Columns made in code: only the column event.
+        s.grid.Columns().Add()->setFieldName(QStringLiteral("CITTA"));
+        order.clear();
+        (void)s.grid.grab();
+        QVERIFY(!order.isEmpty());
+        QVERIFY(std::all_of(order.cbegin(), order.cend(), [](const QString &e) { return e.startsWith(QLatin1String("column:")); }));
+    }
+
+    // An ellipsis column's editor has a "..." button; a click on it or Ctrl+Enter asks the
+    // application for a value, which the editor then shows and keeps.
+    void ellipsisButton()
+    {
+        Students s;
+        TEnhancedColumn *citta = s.grid.Column(s.col("CITTA"));
+        citta->setButtonStyle(cbsEllipsis);
+        citta->setValues({QStringLiteral("Milano"), QStringLiteral("Roma")});
+        s.grid.Column(s.col("NOME"))->setValues({QStringLiteral("Anna")});
+        s.grid.Column(s.col("NOME"))->setButtonStyle(cbsNone);
+        int clicks = 0;
+        s.grid.OnEditButtonClick = [&](QObject *sender) {
+            QCOMPARE(sender, &s.grid);
+            ++clicks;
+            s.ds.Edit();
+            s.ds.FieldByName(QStringLiteral("CITTA"))->setAsString(QStringLiteral("Torino %1").arg(clicks));
+        };
+        QVERIFY(s.shown());
+        ClickCell(s.grid, 1, s.col("CITTA"));
+        ClickCell(s.grid, 1, s.col("CITTA"));
+        QVERIFY(!s.grid.findChild<QComboBox *>());
+        auto *editor = s.grid.findChild<QLineEdit *>();
+        QVERIFY(editor);
+        auto *button = editor->findChild<QToolButton *>();
+        QVERIFY(button && button->isVisible());
+        QCOMPARE(button->text(), QStringLiteral("..."));
+        QVERIFY(editor->rect().contains(button->geometry()));
+        QCOMPARE(clicks, 0);
+
+        QTest::mouseClick(button, Qt::LeftButton);
+        QCOMPARE(clicks, 1);
+        QCOMPARE(editor->text(), QStringLiteral("Torino 1"));
+        QTest::keyClick(editor, Qt::Key_Return, Qt::ControlModifier);
+        QCOMPARE(clicks, 2);
+        QCOMPARE(editor->text(), QStringLiteral("Torino 2"));
+        QTest::qWait(20);
+        QVERIFY(editor->isVisible());
+        // Plain Enter is not the button: it closes the editor and the value stays.
+        QTest::keyClick(editor, Qt::Key_Return);
+        QCOMPARE(clicks, 2);
+        QTRY_VERIFY(!s.grid.findChild<QLineEdit *>());
+        QCOMPARE(s.ds.FieldByName(QStringLiteral("CITTA"))->AsString(), QStringLiteral("Torino 2"));
+
+        // cbsNone: a plain editor, even with values to offer.
+        ClickCell(s.grid, 1, s.col("NOME"));
+        ClickCell(s.grid, 1, s.col("NOME"));
+        QVERIFY(!s.grid.findChild<QComboBox *>());
+        editor = s.grid.findChild<QLineEdit *>();
+        QVERIFY(editor && !editor->findChild<QToolButton *>());
+        QTest::keyClick(editor, Qt::Key_Return, Qt::ControlModifier);
+        QCOMPARE(clicks, 2);
+    }
+
+    // A record dragged from one grid to another with the mouse: the target refuses the drag over
+    // its titles and takes it over its rows; its handler adds the dragged city to its dataset.
+    void dragBetweenGrids()
+    {
+        Students s;
+        s.grid.move(0, 0);
+        TDataSource citySource;
+        citySource.setDataSet(&s.cities);
+        TDBGridExt target;
+        target.setDataSource(&citySource);
+        target.setGeometry(0, 320, 400, 200);
+        target.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&target));
+        QVERIFY(s.shown());
+
+        QString dragged;
+        s.grid.OnStartDrag = [&](QObject *, QMimeData *data) {
+            dragged = data->text();
+            data->setData(QStringLiteral("application/x-studente"), QByteArray::number(s.ds.FieldByName(QStringLiteral("ID"))->AsInteger()));
+        };
+        QObject *endTarget = nullptr;
+        QPoint endAt;
+        s.grid.OnEndDrag = [&](QObject *, QObject *t, int x, int y) {
+            endTarget = t;
+            endAt = QPoint(x, y);
+        };
+        QStringList over;
+        target.OnDragOver = [&](QObject *, QObject *source, int x, int y, TDragState state, bool &accept) {
+            QCOMPARE(source, &s.grid);
+            QCOMPARE(s.grid.Dragging(), true);
+            QCOMPARE(accept, true);
+            accept = target.MouseCoord(x, y).Y >= target.TitleOffset();
+            over.append(QStringLiteral("%1:%2").arg(int(state)).arg(accept));
+        };
+        QPoint dropAt;
+        target.OnDragDrop = [&](QObject *, QObject *source, int x, int y) {
+            dropAt = QPoint(x, y);
+            const QString city = qobject_cast<TDBGridExt *>(source)->SelectedField()->AsString();
+            s.cities.AppendRecord({city, QStringLiteral("?")});
+        };
+
+        // Presses a data cell of the students' grid and drags it through Path, points of the
+        // target grid, releasing at the last; returns when the drag is over.
+        QWidget *titles = target.horizontalHeader()->viewport();
+        const auto dragAlong = [&](int fromRow, const QList<QPoint> &path) {
+            const QRect from = s.grid.CellRect(s.grid.IndicatorOffset() + s.col("CITTA"), s.grid.TitleOffset() + fromRow);
+            QTimer::singleShot(0, this, [&] {
+                for (const QPoint &at : path) {
+                    QWidget *part = !target.rect().contains(at) ? &target
+                                    : titles->geometry().translated(titles->parentWidget()->pos()).contains(at)
+                                        ? titles
+                                        : WidgetAt(target, target.viewport(), at);
+                    if (&at == &path.last())
+                        QTest::mouseRelease(part, Qt::LeftButton, {}, part->mapFrom(&target, at));
+                    else
+                        QTest::mouseMove(part, part->mapFrom(&target, at));
+                }
+            });
+            QTimer safety;
+            safety.setSingleShot(true);
+            connect(&safety, &QTimer::timeout, [] { QDrag::cancel(); });
+            safety.start(5000);
+            QWidget *source = s.grid.viewport();
+            QTest::mousePress(source, Qt::LeftButton, {}, source->mapFrom(&s.grid, from.center()));
+            QVERIFY(!s.grid.Dragging());
+            // Past the start-drag distance the drag begins; it runs until the release.
+            QTest::mouseMove(source, source->mapFrom(&s.grid, from.center()) + QPoint(QApplication::startDragDistance() + 2, 0));
+            QVERIFY(safety.isActive());
+            QVERIFY(!s.grid.Dragging());
+            // The drag hands the release on to the widget pressed, through the event queue.
+            QCoreApplication::processEvents();
+        };
+
+        // dmManual: pressing and moving drags nothing.
+        QWidget *source = s.grid.viewport();
+        const QPoint cell = source->mapFrom(&s.grid, s.grid.CellRect(s.grid.IndicatorOffset() + 1, s.grid.TitleOffset() + 1).center());
+        QTest::mousePress(source, Qt::LeftButton, {}, cell);
+        QTest::mouseMove(source, cell + QPoint(QApplication::startDragDistance() * 3, 0));
+        QTest::mouseRelease(source, Qt::LeftButton, {}, cell + QPoint(QApplication::startDragDistance() * 3, 0));
+        QVERIFY(dragged.isNull());
+        s.grid.setDragMode(dmAutomatic);
+
+        const QPoint title = target.CellRect(target.IndicatorOffset(), 0).center();
+        const QPoint row = target.CellRect(target.IndicatorOffset() + 1, target.TitleOffset() + 1).center();
+        const QPoint outside(-30, row.y());
+        dragAlong(3, {title, title + QPoint(3, 0), row, row + QPoint(2, 0), row + QPoint(2, 0)});
+        QCOMPARE(dragged, QStringLiteral("Napoli"));
+        QCOMPARE(s.ds.RecNo(), 4);
+        // Entered over the titles (refused there), then moved onto the rows: one entry, no leave.
+        QVERIFY(!over.isEmpty());
+        QCOMPARE(over.first(), QStringLiteral("%1:0").arg(int(dsDragEnter)));
+        QCOMPARE(over.filter(QStringLiteral("%1:").arg(int(dsDragEnter))).size(), 1);
+        QVERIFY(over.filter(QStringLiteral("%1:").arg(int(dsDragLeave))).isEmpty());
+        QCOMPARE(over.last(), QStringLiteral("%1:1").arg(int(dsDragMove)));
+        QCOMPARE(dropAt, row + QPoint(2, 0));
+        QCOMPARE(endTarget, &target);
+        QCOMPARE(endAt, dropAt);
+        QCOMPARE(Rows(s.cities, QStringLiteral("CITTA")), QStringLiteral("Milano,Napoli,Roma,Napoli"));
+
+        // Taken away again and dropped where nothing takes it: the target hears it leave, the
+        // drag ends without a target.
+        over.clear();
+        dragAlong(0, {row, outside, outside});
+        QCOMPARE(dragged, QStringLiteral("Roma"));
+        QVERIFY(!over.isEmpty());
+        QVERIFY(over.last().startsWith(QStringLiteral("%1:").arg(int(dsDragLeave))));
+        QCOMPARE(endTarget, nullptr);
+        QCOMPARE(Rows(s.cities, QStringLiteral("CITTA")), QStringLiteral("Milano,Napoli,Roma,Napoli"));
+    }
+
+    void ctrlDelete_data()
+    {
+        QTest::addColumn<QString>("setup");
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<QString>("prompt");
+        QTest::addColumn<QString>("ids");
+        QTest::newRow("asked, yes") << "" << mrYes << "Eliminare il record?" << "1,2,4,5,6";
+        QTest::newRow("asked, no") << "" << mrNo << "Eliminare il record?" << "1,2,3,4,5,6";
+        QTest::newRow("not asked") << "noconfirm" << mrNone << "" << "1,2,4,5,6";
+        QTest::newRow("read-only grid") << "readonly" << mrNone << "" << "1,2,3,4,5,6";
+        QTest::newRow("no editing") << "noediting" << mrNone << "" << "1,2,3,4,5,6";
+        QTest::newRow("Delete alone") << "plain" << mrNone << "" << "1,2,3,4,5,6";
+    }
+
+    // Ctrl+Delete deletes the current record, after the library's confirmation dialog when
+    // dgConfirmDelete is set (as it is on a new grid).
+    void ctrlDelete()
+    {
+        QFETCH(QString, setup);
+        QFETCH(int, answer);
+        Students s;
+        QVERIFY(s.grid.Options().testFlag(dgConfirmDelete));
+        if (setup == QLatin1String("noconfirm"))
+            s.grid.setOptions(s.grid.Options() & ~TDBGridOptions(dgConfirmDelete));
+        if (setup == QLatin1String("readonly"))
+            s.grid.setReadOnly(true);
+        if (setup == QLatin1String("noediting"))
+            s.grid.setOptions(s.grid.Options() & ~TDBGridOptions(dgEditing));
+        QVERIFY(s.shown());
+        ClickCell(s.grid, 2, s.col("NOME"));
+        QCOMPARE(s.ds.FieldByName(QStringLiteral("ID"))->AsInteger(), 3);
+        QString seen;
+        QTimer poll;
+        poll.setInterval(5);
+        connect(&poll, &QTimer::timeout, [&] {
+            auto *box = qobject_cast<TfmMessageBox *>(QApplication::activeModalWidget());
+            if (!box || !box->isVisible() || !seen.isEmpty())
+                return;
+            seen = box->windowTitle() + QLatin1Char(':') + box->mmMessage->toPlainText();
+            for (TBitBtn *button : {box->BitBtn1, box->BitBtn2, box->BitBtn3}) {
+                if (button->isVisible() && button->ModalResult() == answer)
+                    QTest::mouseClick(button, Qt::LeftButton);
+            }
+        });
+        poll.start();
+        QTest::keyClick(&s.grid, Qt::Key_Delete, setup == QLatin1String("plain") ? Qt::NoModifier : Qt::ControlModifier);
+        poll.stop();
+        QFETCH(QString, prompt);
+        QCOMPARE(seen.section(QLatin1Char(':'), 1), prompt);
+        if (!prompt.isEmpty())
+            QCOMPARE(seen.section(QLatin1Char(':'), 0, 0), QStringLiteral("CONFERMA"));
+        QTEST(Rows(s.ds, QStringLiteral("ID")), "ids");
+        QCOMPARE(s.ds.State(), dsBrowse);
+    }
+
+    // A caption with line breaks is written on several lines; the title row grows to fit it and
+    // shrinks back.
+    void multiLineTitles()
+    {
+        Students s;
+        s.grid.setFixedCols(1);
+        QVERIFY(s.shown());
+        const int id = s.col("ID"), cognome = s.col("COGNOME");
+        const auto title = [&](int column) { return s.grid.CellRect(s.grid.IndicatorOffset() + column, 0); };
+        const auto firstRowTop = [&] { return s.grid.CellRect(s.grid.IndicatorOffset() + cognome, s.grid.TitleOffset()).top(); };
+        const QRect single = title(cognome);
+        const int rowTop = firstRowTop();
+        // The lines of text written in a title: runs of pixel rows with ink on them.
+        const auto textLines = [&](const QRect &r) {
+            const QImage image = s.grid.grab(r.adjusted(2, 2, -2, -2)).toImage();
+            int lines = 0;
+            bool previous = false;
+            for (int y = 0; y < image.height(); ++y) {
+                bool ink = false;
+                for (int x = 0; x < image.width() && !ink; ++x)
+                    ink = image.pixelColor(x, y).lightness() < 100;
+                lines += ink && !previous;
+                previous = ink;
+            }
+            return lines;
+        };
+        QCOMPARE(textLines(single), 1);
+
+        s.grid.Columns()[cognome]->Title()->setCaption(QStringLiteral("COGNOME\nstudente"));
+        const QRect twoLines = title(cognome);
+        QVERIFY(twoLines.height() >= 2 * QFontMetrics(s.grid.TitleFont()).lineSpacing());
+        QCOMPARE(firstRowTop() - rowTop, twoLines.height() - single.height());
+        QCOMPARE(textLines(twoLines), 2);
+        // The fixed column's title keeps in line with the others.
+        QCOMPARE(title(id).height(), twoLines.height());
+        QCOMPARE(s.grid.CellRect(s.grid.IndicatorOffset() + id, s.grid.TitleOffset()).top(), firstRowTop());
+
+        s.grid.Columns()[cognome]->Title()->setCaption(QString());
+        QCOMPARE(title(cognome), single);
+        QCOMPARE(firstRowTop(), rowTop);
     }
 
     void rowHeight()

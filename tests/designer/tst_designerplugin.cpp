@@ -167,7 +167,7 @@ private slots:
         row("studenti", "Color", 15793151u);
         row("studenti", "FixedColor", 12632256u);
         // MultiSelect, read after Options, adds dgMultiSelect to them.
-        row("studenti", "Options", 0x4 | 0x8 | 0x100 | 0x800);
+        row("studenti", "Options", 0x4 | 0x8 | 0x100 | 0x1000);
         row("studenti", "ReadOnly", true);
         row("studenti", "AlternateColor", true);
         row("studenti", "ClearSelection", true);

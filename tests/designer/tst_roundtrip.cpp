@@ -349,6 +349,7 @@ private:
         const Values grid{{"Color", clCream},
                           {"DataSource", source},
                           {"DefaultDrawing", false},
+                          {"DragMode", int(dmAutomatic)},
                           {"FixedColor", clSilver},
                           {"Options", int(dgTitles | dgIndicator | dgRowSelect)},
                           {"ReadOnly", true},
@@ -360,12 +361,14 @@ private:
                           {"ShowGlyphs", false},
                           {"ShowMemo", true},
                           {"ShowImage", true},
+                          {"FixedCols", 1},
                           {"VertAlignment", int(vaBottomJustify)}};
         row("TDBGridExt", make<TDBGridExt>(), grid + Values{{"TitleSort", true}});
         row("TClientDBGrid", make<TClientDBGrid>(), grid + Values{{"EnableSort", false}, {"KeepColors", true}});
         row("TClientDBGrid title sort", make<TClientDBGrid>(), Values{{"TitleSort", true}});
         row("TColumn", column<TCustomDBGrid>(),
             Values{{"Alignment", int(Qt::AlignRight)},
+                   {"ButtonStyle", int(cbsEllipsis)},
                    {"Color", clInfoBk},
                    {"FieldName", "media"},
                    {"ReadOnly", true},
