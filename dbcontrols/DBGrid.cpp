@@ -2,6 +2,7 @@
 #include "DBGrid.h"
 
 #include "ControlErrors.h"
+#include "DBActions.h"
 
 #include "DataSetModel.h"
 #include "Exceptions.h"
@@ -791,6 +792,16 @@ void TCustomDBGrid::setDataSource(TDataSource *value)
 TDataLink *TCustomDBGrid::DataLink() const
 {
     return m_link.get();
+}
+
+bool TCustomDBGrid::ExecuteAction(QAction *Action)
+{
+    return DataLinkExecuteAction(*m_link, Action);
+}
+
+bool TCustomDBGrid::UpdateAction(QAction *Action)
+{
+    return DataLinkUpdateAction(*m_link, Action);
 }
 
 TDataSet *TCustomDBGrid::DataSet() const

@@ -14,6 +14,7 @@
 #include "DataSource.h"
 #include "mattoni_widgets_export.h"
 
+#include <QAction>
 #include <QFont>
 #include <QList>
 #include <QPointer>
@@ -327,6 +328,10 @@ public:
     TDataSource *DataSource() const;
     void setDataSource(TDataSource *value);
     TDataLink *DataLink() const;
+    // Dataset actions without a source of their own work on the grid's dataset while it has the
+    // focus; true when the action was taken.
+    Q_INVOKABLE bool ExecuteAction(QAction *Action);
+    Q_INVOKABLE bool UpdateAction(QAction *Action);
     // The dataset while the link is active; nullptr otherwise.
     TDataSet *DataSet() const;
 

@@ -1,6 +1,7 @@
 // A tree view over a self-referencing dataset, read lazily and kept in step with the dataset.
 #include "DBTreeView.h"
 
+#include "DBActions.h"
 #include "DataSet.h"
 #include "Fields.h"
 #include "Strings.h"
@@ -168,6 +169,16 @@ void TCustomDBTreeView::setDataSource(TDataSource *value)
 TDataSet *TCustomDBTreeView::DataSet() const
 {
     return m_link->DataSet();
+}
+
+bool TCustomDBTreeView::ExecuteAction(QAction *Action)
+{
+    return DataLinkExecuteAction(*m_link, Action);
+}
+
+bool TCustomDBTreeView::UpdateAction(QAction *Action)
+{
+    return DataLinkUpdateAction(*m_link, Action);
 }
 
 void TCustomDBTreeView::setDataFieldNodo(const QString &value)

@@ -8,6 +8,7 @@
 #include "DataSource.h"
 #include "mattoni_widgets_export.h"
 
+#include <QAction>
 #include <QHash>
 #include <QIcon>
 #include <QTreeWidget>
@@ -150,6 +151,10 @@ public:
 
     TDataSet *DataSet() const;
     TCustomTVDataLink *DataLink() const { return m_link.get(); }
+    // Dataset actions without a source of their own work on the tree's dataset while it has the
+    // focus; true when the action was taken.
+    Q_INVOKABLE bool ExecuteAction(QAction *Action);
+    Q_INVOKABLE bool UpdateAction(QAction *Action);
 
     // The first root, or none.
     TTreeNode *GetFirstNode() const;

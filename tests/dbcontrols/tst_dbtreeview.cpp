@@ -2,10 +2,12 @@
 // CommandText and made in memory: roots, children read on selection, the dataset following the
 // selection, and the tree following inserts, edits and deletes.
 #include "ClientDataSet.h"
+#include "DBActions.h"
 #include "DBTreeView.h"
 #include "DataSource.h"
 #include "Variants.h"
 
+#include <QLineEdit>
 #include <QtTest>
 
 using namespace mattoni;
@@ -348,6 +350,68 @@ private slots:
         QCOMPARE(ds.Filter(), filter);
         QVERIFY(ds.Filtered());
         QCOMPARE(ds.RecordCount(), 8);
+    }
+
+    // Dataset actions without a source work on the tree's dataset while the tree has the focus,
+    // through its shortcut typed on the keyboard; one with its own source ignores the focus.
+    void datasetActions()
+    {
+        TClientDataSet ds;
+        fill(ds, false);
+        Tree t(ds);
+        QLineEdit elsewhere;
+        elsewhere.show();
+        TDataSetNext next(&t.view);
+        TDataSetEdit edit(&t.view);
+        TDataSetCancel cancel(&t.view);
+        next.setShortcut(QKeySequence(Qt::CTRL | Qt::Key_N));
+        edit.setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
+        cancel.setShortcut(QKeySequence(Qt::Key_Escape));
+        t.view.addActions({&next, &edit, &cancel});
+        QCOMPARE(next.text(), QStringLiteral("Successivo"));
+
+        elsewhere.activateWindow();
+        elsewhere.setFocus();
+        QTRY_VERIFY(elsewhere.hasFocus());
+        QVERIFY(!next.isEnabled());
+        QVERIFY(!edit.isEnabled());
+
+        t.view.activateWindow();
+        t.view.setFocus();
+        QTRY_VERIFY(t.view.hasFocus());
+        QVERIFY(next.isEnabled());
+        QVERIFY(edit.isEnabled());
+        QVERIFY(!cancel.isEnabled());
+        QCOMPARE(t.currentId(), 1);
+        QTest::keyClick(&t.view, Qt::Key_N, Qt::ControlModifier);
+        QCOMPARE(t.currentId(), 2);
+
+        // The actions follow the dataset's state while the tree keeps the focus.
+        QTest::keyClick(&t.view, Qt::Key_E, Qt::ControlModifier);
+        QCOMPARE(ds.State(), dsEdit);
+        QVERIFY(cancel.isEnabled());
+        QVERIFY(!edit.isEnabled());
+        QTest::keyClick(&t.view, Qt::Key_Escape);
+        QCOMPARE(ds.State(), dsBrowse);
+        QVERIFY(!cancel.isEnabled());
+
+        ds.Last();
+        QVERIFY(!next.isEnabled());
+
+        // Bound to its own source, the action moves that source's dataset wherever the focus is.
+        TClientDataSet other;
+        fill(other, false);
+        TDataSource otherSource;
+        otherSource.setDataSet(&other);
+        TDataSetNext bound;
+        bound.setDataSource(&otherSource);
+        QVERIFY(bound.isEnabled());
+        QVERIFY(!bound.HandlesTarget(&t.source));
+        QVERIFY(!t.view.ExecuteAction(&bound));
+        bound.trigger();
+        QCOMPARE(other.FieldByName(QStringLiteral("id"))->AsInteger(), 2);
+        other.Close();
+        QVERIFY(!bound.isEnabled());
     }
 
     void releasesOnDestruction()
