@@ -99,22 +99,28 @@ bool DispatchDataSetAction(QWidget *Control, QAction *Action, bool execute)
     return false;
 }
 
-bool DataLinkExecuteAction(const TDataLink &Link, QAction *Action)
+namespace {
+
+// A dataset action goes to the link's source when it may work on it.
+bool PassToSource(const TDataLink &Link, QAction *Action, void (TDataSetAction::*step)(QObject *))
 {
     auto *action = qobject_cast<TDataSetAction *>(Action);
     if (!action || !Link.DataSource() || !action->HandlesTarget(Link.DataSource()))
         return false;
-    action->ExecuteTarget(Link.DataSource());
+    (action->*step)(Link.DataSource());
     return true;
+}
+
+} // namespace
+
+bool DataLinkExecuteAction(const TDataLink &Link, QAction *Action)
+{
+    return PassToSource(Link, Action, &TDataSetAction::ExecuteTarget);
 }
 
 bool DataLinkUpdateAction(const TDataLink &Link, QAction *Action)
 {
-    auto *action = qobject_cast<TDataSetAction *>(Action);
-    if (!action || !Link.DataSource() || !action->HandlesTarget(Link.DataSource()))
-        return false;
-    action->UpdateTarget(Link.DataSource());
-    return true;
+    return PassToSource(Link, Action, &TDataSetAction::UpdateTarget);
 }
 
 // --- The commands ------------------------------------------------------------------------------
