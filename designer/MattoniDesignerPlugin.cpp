@@ -91,11 +91,12 @@ QString MattoniWidgetPlugin::domXml() const
     const QMetaObject *base = m_info.meta;
     while (QByteArray(base->className()).startsWith("mattoni::"))
         base = base->superClass();
-    QString specifications;
+    // Properties holding field and format names: single-line, not offered for translation.
+    QString nameProperties;
     for (int i = 0; i < m_info.meta->propertyCount(); ++i) {
         const QMetaProperty p = m_info.meta->property(i);
         if (p.metaType().id() == QMetaType::QString && IsName(p.name()))
-            specifications += QStringLiteral("    <stringpropertyspecification name=\"%1\" notr=\"true\" type=\"singleline\"/>\n")
+            nameProperties += QStringLiteral("    <stringpropertyspecification name=\"%1\" notr=\"true\" type=\"singleline\"/>\n")
                                   .arg(QLatin1String(p.name()));
     }
     return QStringLiteral("<ui language=\"c++\">\n"
@@ -116,7 +117,7 @@ QString MattoniWidgetPlugin::domXml() const
         .arg(name(), QLatin1String(m_info.objectName))
         .arg(m_info.width)
         .arg(m_info.height)
-        .arg(QLatin1String(base->className()), specifications);
+        .arg(QLatin1String(base->className()), nameProperties);
 }
 
 bool MattoniWidgetPlugin::isInitialized() const
